@@ -1,0 +1,27 @@
+# lumivant_add_test(NAME SOURCES … [LIBRARIES …] [DEPENDS …])
+#
+# One Qt Test program. Each runs in a folder of its own (build/test-run/NAME), where the program also lies, so that a
+# test that needs discovery makes its plug-in folders beside it without meeting those of another test.
+set(LUMIVANT_TEST_ENV
+    "QT_QPA_PLATFORM=offscreen"
+    "QT_LOGGING_RULES=qt.qpa.*=false"
+    "LC_ALL=C.UTF-8"
+    "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1:allocator_may_return_null=1"
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
+    "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp:second_deadlock_stack=1:history_size=4")
+
+function(lumivant_add_test name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES;DEPENDS" ${ARGN})
+    set(folder "${CMAKE_BINARY_DIR}/test-run/${name}")
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE lumivantCore lumivantTestSupport lumivant_options Qt5::Test ${arg_LIBRARIES})
+    set_target_properties(${name} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY "${folder}"
+        BUILD_RPATH "${CMAKE_BINARY_DIR}/lib")
+    if(arg_DEPENDS)
+        add_dependencies(${name} ${arg_DEPENDS})
+    endif()
+    add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY "${folder}")
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${LUMIVANT_TEST_ENV}" TIMEOUT 300)
+endfunction()

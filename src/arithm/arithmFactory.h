@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QLibrary>
+#include <QList>
+#include <QMap>
+#include <QMutex>
+#include <QString>
+#include <QStringList>
+
+#include <atomic>
+#include <mutex>
+
+class Arithm;
+
+/**
+ * The registry of every algorithm: the built-ins, then the libraries of "baseArithm", then those of "extArithm".
+ *
+ * Filled once, when it is made, and never changed afterwards; lookups may come from any thread.
+ */
+class ArithmFactory
+{
+public:
+    struct ArithmInfo
+    {
+        QString m_strClass;  ///< Menu group.
+        QString m_strName;   ///< Display name.
+        Arithm* m_pcArithm;  ///< Lives until the program ends.
+    };
+
+    static ArithmFactory* getInstance();  ///< Made on first use, discovery included; any thread.
+
+    QList<ArithmInfo>* getArithms();
+    Arithm* getArithm(QString id);                    ///< The first registered under the identifier; null when none is.
+    QString getArithm(QString cls, QString name);     ///< The identifier of the first of that class and name, or empty.
+    QStringList getArithmNames(QString cls);          ///< In order of registration, each once.
+    QStringList getArithmClassNames();                ///< In order of registration, each once.
+
+    static std::atomic<ArithmFactory*> s_pcAF;
+    static QMutex s_cMtxForAF;  ///< Guards creation, discovery included.
+
+private:
+    ArithmFactory();
+    ~ArithmFactory();  ///< Unloads the registered libraries.
+
+    void registerBuiltins();                                    // builtinArithms.cpp
+    void discover(const QString& folder, bool extLib);          // arithmDiscovery.cpp
+
+    QList<QLibrary*> m_lstLibraries;  ///< Owned; registered libraries in order of registration.
+    QList<ArithmInfo> m_lstArithms;
+    std::mutex m_cMtxCache;           ///< Guards m_mapCache.
+    QMap<QString, Arithm*> m_mapCache;  ///< Identifiers already looked up.
+};

@@ -1,0 +1,148 @@
+#pragma once
+
+#include "dataSource/dataSourceInstance.h"
+#include "taskMgr/taskItem.h"
+
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QPoint>
+#include <QPointer>
+#include <QString>
+
+#include <pthread.h>
+
+#include <atomic>
+#include <memory>
+
+class ArithmParamMgr;
+class QAction;
+class QComboBox;
+class QMenu;
+class QTableWidget;
+class QTableWidgetItem;
+
+/**
+ * One task: a named, ordered list of steps with a picture source, a view and an optional processor binding, together
+ * with the widgets of its tab.
+ *
+ * Ownership: owns its steps, its parameter store, its data source instance and, while it runs, its thread. The widgets
+ * belong to the tab and may die first.
+ *
+ * Threads: made, changed and deleted on the window's thread. runOnce runs on the task's thread while the task runs, on
+ * the window's thread otherwise. Deleting a running task is allowed and waits for the pass in progress.
+ */
+class TaskInfo : public QObject
+{
+    Q_OBJECT
+
+public:
+    using CallBack = void (*)(QString);
+
+    // ---- The task and its widgets (taskInfo.cpp, taskInfoTab.cpp) ---------------------------------------------------
+
+    /// messageCallBack may be null; it is called on the window's thread.
+    TaskInfo(QString name, CallBack messageCallBack);
+    ~TaskInfo() override;
+
+    QString getName() const { return m_strName; }
+    int getKernel() const { return m_nKernel; }
+    int getView() const { return m_nView; }
+    DataSource::DataSourceInstance* getDataSourceInstance() const { return m_pcDataSource; }  ///< Not handed over.
+    QString getDataSourceConfig() const { return m_strDataSourceConfig; }
+    ArithmParamMgr* getArithmParamMgr() const { return m_pcStore; }  ///< Not handed over.
+    QList<TaskItem>& getTaskItem() { return m_lstItems; }
+    bool IsRunning() const { return m_bRunning.load(); }
+
+    void setMssageCallBack(CallBack callBack);
+    void setPrintCallBack(CallBack callBack);  ///< Called on the task's thread.
+
+    void addRunTaskButton(QObject* button);
+    void addSelectDataSourceButton(QObject* button);
+    void addTaskFlowListWidget(QObject* table);
+    void addViewSelectCombo(QObject* combo);
+    void addThreadSelectCombo(QObject* combo);
+    void connectEvents();
+
+    /// Appends the row of a step to a flow table: name, count, empty read-only time.
+    static void appendRow(QTableWidget* table, const TaskItem& item);
+
+    void prepareForRemoveArithm(TaskItem item);  ///< A hook that does nothing.
+
+    // ---- Project text (taskInfoText.cpp) ----------------------------------------------------------------------------
+
+    QString toString();               ///< The lines of this task, each ending in a line feed.
+    void fromString(QString text);    ///< Fills a new task from the body of its element.
+
+    // ---- Passes (taskInfoPass.cpp) ----------------------------------------------------------------------------------
+
+    /**
+     * One pass over the steps for one picture.
+     *
+     * @param message receives the reason when the pass returns false; may then be empty
+     * @param resetAfter reset the execution counters afterwards and show the time of each step
+     * @param lastStep index of the last step to run; below 0 for all
+     * @param timeoutMs milliseconds after which no further step starts; below 0 for none
+     * @return false when the task must end
+     */
+    bool runOnce(QString& message, bool resetAfter, int lastStep, int timeoutMs);
+
+    void initTaskItemExeTimes();  ///< Resets the execution counters of all steps.
+    void runTaskOnce();           ///< One pass and the end-of-task steps in the calling thread.
+
+    /// Passes with a picture that ran to their end since the task was last started; any thread.
+    long long getPassNum() const { return m_nPassNum.load(std::memory_order_relaxed); }
+
+    // ---- Runs (taskInfoRun.cpp) -------------------------------------------------------------------------------------
+
+    void startTask();
+    void stopTask();                       ///< Waits, without limit, for the pass in progress.
+    static void* threadTaskFunc(void* task);
+
+Q_SIGNALS:
+    void threadFinished(QString message, bool stopped);
+
+public Q_SLOTS:
+    void RunClicked();
+    void threadFinishedArrived(QString message, bool stopped);
+    void ViewSelected(int index);
+    void ThreadSelected(int index);
+    void DataSourceClicked();
+
+    // ---- Editing the steps (taskInfoEdit.cpp) -----------------------------------------------------------------------
+    void runHere();
+    void showContextmenu(QPoint position);
+    void addArithm(QAction* action);
+    void modifyOption();
+    void delArithm();
+    void TaskFlowTblCellChanged(int row, int column);
+    void TableItemClicked(QTableWidgetItem* item);
+    void insertArithm(int row, QAction* action);
+
+private:
+    // Private members: see the topic sources.
+    void disconnectEvents();
+
+    QTableWidgetItem* m_pcSelectedItem = nullptr;  ///< The step cell pressed last; not owned.
+    QString m_strName;
+    QPointer<QObject> m_pcRunButton;               ///< The widgets are not owned and may die first.
+    QPointer<QObject> m_pcViewCombo;
+    QPointer<QObject> m_pcThreadCombo;
+    QPointer<QObject> m_pcDataSourceButton;
+    QPointer<QObject> m_pcFlowTable;
+    QPointer<QObject> m_pcContextMenu;             ///< A child of the flow table; null until the first right-click.
+    QMap<QAction*, TaskItem> m_mapActions;         ///< The step behind each algorithm entry of the context menu.
+    QList<TaskItem> m_lstItems;
+    ArithmParamMgr* m_pcStore;                     ///< Owned.
+    DataSource::DataSourceInstance* m_pcDataSource = nullptr;  ///< Owned; null when none is assigned.
+    QString m_strDataSourceConfig;
+    int m_nKernel = -1;                            ///< Below 1: no binding; else the number of the processor.
+    int m_nView = 0;
+    std::atomic<bool> m_bRunning{false};           ///< A task thread exists.
+    std::atomic<bool> m_bStopRequested{false};     ///< Set by the window's thread, seen between passes.
+    std::atomic<bool> m_bThreadFinished{true};     ///< Set by the task thread when its work is done.
+    CallBack m_pfnMessage = nullptr;
+    CallBack m_pfnPrint = nullptr;
+    pthread_t m_hThread{};                         ///< 0 when none.
+    std::atomic<long long> m_nPassNum{0};
+};

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QMutex>
+#include <QSemaphore>
+
+/**
+ * Scope guards over Qt's locks.
+ *
+ * Thread sanitizer does not see into an uninstrumented Qt; these guards announce each acquire and release to it, so
+ * that a real race is reported and a correct program is not. All locking of QMutex and QSemaphore goes through here.
+ */
+#if defined(__SANITIZE_THREAD__)
+#    define LUMIVANT_TSAN 1
+#elif defined(__has_feature)
+#    if __has_feature(thread_sanitizer)
+#        define LUMIVANT_TSAN 1
+#    endif
+#endif
+
+#if defined(LUMIVANT_TSAN)
+extern "C" void __tsan_acquire(void* address);
+extern "C" void __tsan_release(void* address);
+#endif
+
+namespace ThreadGuards {
+
+/// Tells the sanitizer that what was released on address happened before now.
+inline void announceAcquire([[maybe_unused]] void* address)
+{
+#if defined(LUMIVANT_TSAN)
+    __tsan_acquire(address);
+#endif
+}
+
+/// Tells the sanitizer that what happened so far is handed over through address.
+inline void announceRelease([[maybe_unused]] void* address)
+{
+#if defined(LUMIVANT_TSAN)
+    __tsan_release(address);
+#endif
+}
+
+inline void lock(QMutex& mutex)
+{
+    mutex.lock();
+    announceAcquire(&mutex);
+}
+
+inline void unlock(QMutex& mutex)
+{
+    announceRelease(&mutex);
+    mutex.unlock();
+}
+
+/// Takes one permit, waiting at most timeoutMs milliseconds; false when none came.
+inline bool takePermit(QSemaphore& semaphore, int timeoutMs)
+{
+    if (!semaphore.tryAcquire(1, timeoutMs))
+        return false;
+    announceAcquire(&semaphore);
+    return true;
+}
+
+inline void givePermit(QSemaphore& semaphore)
+{
+    announceRelease(&semaphore);
+    semaphore.release();
+}
+
+/// Holds a QMutex for a scope.
+class MutexGuard
+{
+public:
+    explicit MutexGuard(QMutex& mutex) : m_cMutex(mutex) { lock(m_cMutex); }
+    ~MutexGuard() { unlock(m_cMutex); }
+    MutexGuard(const MutexGuard&) = delete;
+    MutexGuard& operator=(const MutexGuard&) = delete;
+
+private:
+    QMutex& m_cMutex;
+};
+
+}  // namespace ThreadGuards

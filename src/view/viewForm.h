@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QImage>
+#include <QMutex>
+#include <QTimer>
+#include <QWidget>
+
+#include <array>
+#include <memory>
+
+QT_BEGIN_NAMESPACE
+namespace Ui {
+class ViewForm;
+}
+QT_END_NAMESPACE
+
+/**
+ * One view pane: takes drawing options off its queue, one a paint, draws each onto its canvas and shows the canvas.
+ *
+ * Threads: a widget, so the window's thread only, but requestCanvas and releaseCanvas, which any thread may call.
+ */
+class ViewForm : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ViewForm(int index, QWidget* parent = nullptr);
+    ~ViewForm() override;
+
+    QImage* requestCanvas();  ///< The canvas with its mutex held until releaseCanvas; not handed over.
+    void releaseCanvas();
+
+    static constexpr int ViewNum = 4;
+    static std::array<ViewForm*, ViewNum> s_apcViewForms;  ///< By index; null where absent; filled by the main window.
+
+public Q_SLOTS:
+    void timeout();  ///< Schedules a paint when an option waits.
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+private:
+    std::unique_ptr<Ui::ViewForm> m_pcUi;
+    int m_nIndex;
+    std::unique_ptr<QImage> m_pcCanvas;  ///< Guarded by m_cMtxCanvas.
+    QMutex m_cMtxCanvas;
+    std::unique_ptr<QTimer> m_pcTimer;
+    int m_nStartX = 0;  ///< The dragged rectangle, widget pixels; shown when its end is not before its start.
+    int m_nStartY = 0;
+    int m_nEndX = -1;
+    int m_nEndY = -1;
+    bool m_bDragging = false;
+};
