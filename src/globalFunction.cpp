@@ -1,0 +1,66 @@
+#include "globalFunction.h"
+
+namespace {
+
+/// Where an element lies in a text.
+struct Element
+{
+    int m_nOpen = -1;   ///< Index of the opening marker; -1 when there is no element.
+    int m_nClose = -1;  ///< Index of the closing marker.
+
+    explicit operator bool() const { return m_nOpen >= 0; }
+};
+
+// The closing marker is searched from the start of the text too, so a stray one in front hides every element behind it.
+Element findElement(const QString& text, const QString& open, const QString& close)
+{
+    const int openIndex = text.indexOf(open, 0, Qt::CaseInsensitive);
+    if (openIndex < 0)
+        return {};
+    const int closeIndex = text.indexOf(close, 0, Qt::CaseInsensitive);
+    if (openIndex >= closeIndex || closeIndex >= text.length())
+        return {};
+    return {openIndex, closeIndex};
+}
+
+QString bodyOf(const Element& element, const QString& text, const QString& open)
+{
+    const int start = element.m_nOpen + open.length();
+    return text.mid(start, element.m_nClose - start);
+}
+
+// Kept on purpose: tabs and all other white space do not count as blank.
+bool isBlank(QChar c)
+{
+    return c == QLatin1Char(' ') || c == QLatin1Char('\r') || c == QLatin1Char('\n');
+}
+
+}  // namespace
+
+QString GlobalFunction::getBody(QString text, QString open, QString close)
+{
+    const Element element = findElement(text, open, close);
+    return element ? bodyOf(element, text, open) : QString();
+}
+
+QString GlobalFunction::getAndRemoveBody(QString& text, QString open, QString close)
+{
+    const Element element = findElement(text, open, close);
+    if (!element)
+        return {};
+    const QString body = bodyOf(element, text, open);
+    text.remove(element.m_nOpen, close.length() + (element.m_nClose - element.m_nOpen));
+    return body;
+}
+
+void GlobalFunction::trimString(QString& text)
+{
+    int begin = 0;
+    int end = text.length();
+    while (begin < end && isBlank(text.at(begin)))
+        ++begin;
+    while (begin < end && isBlank(text.at(end - 1)))
+        --end;
+    if (end - begin != text.length())
+        text = text.mid(begin, end - begin);
+}
