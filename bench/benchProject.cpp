@@ -1,0 +1,43 @@
+// Does opening and writing a project grow linearly with its length?
+#include "taskMgr/projectText.h"
+#include "taskMgr/taskMgr.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+/// One task with steps of 500 characters each.
+QString projectOf(int steps)
+{
+    const QString option(300, QLatin1Char('o'));
+    const QString step = QStringLiteral(
+                             "<-TaskItem->\n<-MaxExeTimes->-1</-MaxExeTimes->\n<-ArithmID->BENCH_Noop</-ArithmID->\n"
+                             "<-OptionStr->\n%1\n</-OptionStr->\n<-ClassName->bench</-ClassName->\n"
+                             "<-ArithmName->noop</-ArithmName->\n<-Describe-></-Describe->\n</-TaskItem->\n")
+                             .arg(option);
+    return QStringLiteral("<=TaskInfo=>\n<-TaskName->t</-TaskName->\n<-Kernel->0</-Kernel->\n<-View->0</-View->\n") +
+           step.repeated(steps) + QStringLiteral("</=TaskInfo=>\n");
+}
+
+void openProject(benchmark::State& state)
+{
+    const QString text = projectOf(static_cast<int>(state.range(0)));
+    for (auto _ : state)
+        TaskMgr::getInstance()->fromString(text);
+    if (TaskMgr::getInstance()->getTask(0)->getTaskItem().size() != state.range(0))
+        state.SkipWithError("steps were lost");
+    TaskMgr::getInstance()->clear();
+}
+
+void writeProject(benchmark::State& state)
+{
+    TaskMgr::getInstance()->fromString(projectOf(static_cast<int>(state.range(0))));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(collapseEmptyLines(TaskMgr::getInstance()->toString()).toUtf8());
+    TaskMgr::getInstance()->clear();
+}
+
+BENCHMARK(openProject)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(writeProject)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+}  // namespace

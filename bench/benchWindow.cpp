@@ -1,0 +1,75 @@
+// How long is the window's event loop away while four tasks draw full HD pictures as fast as they can?
+#include "mainwindow.h"
+#include "taskMgr/taskMgr.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QPushButton>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr int Seconds = 5;
+
+void addTasks()
+{
+    for (int view = 0; view < 4; ++view) {
+        auto* task = new TaskInfo(QStringLiteral("task %1").arg(view), nullptr);
+        task->fromString(
+            QStringLiteral("<-View->%1</-View-><-DataSource-><DSName>Bench Still</DSName><OutputName>p</OutputName>"
+                           "<OutputDescribe></OutputDescribe><OutputType>RGB</OutputType><OutputID>1</OutputID>"
+                           "<Config>1920x1080</Config></-DataSource->"
+                           "<-TaskItem-><-MaxExeTimes->-1</-MaxExeTimes-><-ArithmID->KW_Drawing</-ArithmID->"
+                           "<-OptionStr-><DataType>0</DataType><DataID>1</DataID><Config><Scale>1</Scale></Config>"
+                           "</-OptionStr-></-TaskItem->")
+                .arg(view));
+        TaskMgr::getInstance()->addTask(task, view);
+    }
+}
+
+double percentile(const std::vector<double>& sorted, double share)
+{
+    return sorted[std::min(sorted.size() - 1, static_cast<std::size_t>(share * static_cast<double>(sorted.size())))];
+}
+
+}  // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    MainWindow window;
+    window.resize(1920, 1080);
+    window.show();
+    addTasks();
+
+    std::vector<double> gaps;
+    QElapsedTimer sinceLast;
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, [&] {
+        if (sinceLast.isValid())
+            gaps.push_back(static_cast<double>(sinceLast.nsecsElapsed()) / 1e6);
+        sinceLast.start();
+    });
+    window.findChild<QPushButton*>(QStringLiteral("btnStartAll"))->click();
+    tick.start(0);
+    QTimer::singleShot(Seconds * 1000, &application, &QApplication::quit);
+    QApplication::exec();
+    tick.stop();
+    long long passes = 0;
+    for (int id = 0; id < TaskMgr::getInstance()->getTaskNum(); ++id)
+        passes += TaskMgr::getInstance()->getTask(id)->getPassNum();
+    window.findChild<QPushButton*>(QStringLiteral("btnStopAll"))->click();
+
+    if (gaps.empty() || passes == 0) {
+        std::fprintf(stderr, "The window never answered or no task made a pass.\n");
+        return 1;
+    }
+    std::sort(gaps.begin(), gaps.end());
+    std::printf("passes %lld\nmedian_ms %.2f\np99_ms %.2f\nlongest_ms %.2f\n", passes, percentile(gaps, 0.5),
+                percentile(gaps, 0.99), gaps.back());
+    return 0;
+}

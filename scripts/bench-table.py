@@ -1,0 +1,60 @@
+#!/usr/bin/env python3
+"""Prints one table from the JSON of the benchmarks and the lines of the window's measurement."""
+import json
+import sys
+
+
+def nanoseconds(run):
+    return run["real_time"] * {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]]
+
+
+def medians(path):
+    with open(path) as file:
+        runs = json.load(file)["benchmarks"]
+    return {run["run_name"]: nanoseconds(run) for run in runs if run.get("aggregate_name") == "median"}
+
+
+def shown(value):
+    for unit, size in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
+        if value >= size:
+            return f"{value / size:.3g} {unit}"
+    return f"{value:.3g} ns"
+
+
+def rows(time, window):
+    step = (time["pass/51/20"] - time["pass/1/20"]) / 50
+    long_step = (time["pass/51/200"] - time["pass/1/20"]) / 50
+    call = time["emptyIndirectCall"]
+    yield "step that does nothing, 20 characters of option", step, call, "below 1 us", step < 1000
+    yield "step that does nothing, 200 characters of option", long_step, call, "below 1 us", long_step < 1000
+    copies = time["twoPlainCopies"]
+    yield "full HD through a memory disk / two copies", time["handOff"], copies, "at most 1.25", \
+        time["handOff"] / copies <= 1.25
+    yield "bare hand-off / empty call", time["bareHandOff"], call, "at most 5 us", time["bareHandOff"] <= 5000
+    opened = time["openProject/100000"]
+    yield "opening 100,000 steps / 10,000", opened, time["openProject/10000"], "about 10 (at most 15)", \
+        opened / time["openProject/10000"] <= 15
+    written = time["writeProject/100000"]
+    yield "writing 100,000 steps / 10,000", written, time["writeProject/10000"], "about 10 (at most 15)", \
+        written / time["writeProject/10000"] <= 15
+    copy = time["canvasCopy"]
+    yield "full HD colour onto 960x540 / canvas copy", time["drawPicture/0"], copy, "-", None
+    yield "full HD grey onto 960x540 / canvas copy", time["drawPicture/1"], copy, "-", None
+    frame = 16e6
+    yield "window away, 99th percentile / a frame", window["p99_ms"] * 1e6, frame, "at most 1", \
+        window["p99_ms"] <= 16
+    yield "window away, longest / a frame", window["longest_ms"] * 1e6, frame, "-", None
+
+
+def main():
+    time = medians(sys.argv[1])
+    with open(sys.argv[2]) as file:
+        window = {name: float(value) for name, value in (line.split() for line in file if line.strip())}
+    print(f"{'question':<50} {'ours':>10} {'beside':>10} {'ratio':>8}  {'goal':<22} met")
+    for question, ours, beside, goal, met in rows(time, window):
+        word = "-" if met is None else "yes" if met else "NO"
+        print(f"{question:<50} {shown(ours):>10} {shown(beside):>10} {ours / beside:>8.2f}  {goal:<22} {word}")
+
+
+if __name__ == "__main__":
+    main()
