@@ -34,10 +34,8 @@ public:
 protected:
     struct Private;  ///< Data of a record; each kind derives its own from it.
 
-    explicit ArithmParam(Private* data);  ///< Takes ownership of data.
-    ~ArithmParam();
+    ARITHM_PARAM_LOCAL explicit ArithmParam(Private* data);  ///< Takes ownership of data.
+    ARITHM_PARAM_LOCAL ~ArithmParam();
 
     Private* m_pcData;  ///< Owned; never null.
-
-    friend class ArithmParamMgr;
 };

@@ -23,7 +23,7 @@ public:
     ArithmParamMgr(const ArithmParamMgr&) = delete;
     ArithmParamMgr& operator=(const ArithmParamMgr&) = delete;
 
-    static ArithmParamMgr* newInstance();              ///< An empty store; the caller owns it.
+    static ArithmParamMgr* newInstance();               ///< An empty store; the caller owns it.
     static void deleteInstance(ArithmParamMgr* store);  ///< Destroys a store and all its records; null is ignored.
 
     void clean();  ///< Removes all records; known identifiers stay known.
@@ -80,8 +80,8 @@ public:
     /// @}
 
 private:
-    ArithmParamMgr();
-    ~ArithmParamMgr();
+    ARITHM_PARAM_LOCAL ArithmParamMgr();
+    ARITHM_PARAM_LOCAL ~ArithmParamMgr();
 
     struct Private;
     Private* m_pcData;  ///< Owned; never null.

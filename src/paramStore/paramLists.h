@@ -37,9 +37,9 @@ public:
 
 private:
     struct Data;
-    explicit ParamPoints(int id);
-    ~ParamPoints();
-    friend class ArithmParamMgr;
+    ARITHM_PARAM_LOCAL explicit ParamPoints(int id);
+    ARITHM_PARAM_LOCAL ~ParamPoints();
+    ARITHM_PARAM_LOCAL Data* data() const;
     friend class ParamTable<ParamPoints>;
 };
 
@@ -63,9 +63,9 @@ public:
 
 private:
     struct Data;
-    explicit ParamLines(int id);
-    ~ParamLines();
-    friend class ArithmParamMgr;
+    ARITHM_PARAM_LOCAL explicit ParamLines(int id);
+    ARITHM_PARAM_LOCAL ~ParamLines();
+    ARITHM_PARAM_LOCAL Data* data() const;
     friend class ParamTable<ParamLines>;
 };
 
@@ -91,9 +91,9 @@ public:
 
 private:
     struct Data;
-    explicit ParamPolys(int id);
-    ~ParamPolys();
-    friend class ArithmParamMgr;
+    ARITHM_PARAM_LOCAL explicit ParamPolys(int id);
+    ARITHM_PARAM_LOCAL ~ParamPolys();
+    ARITHM_PARAM_LOCAL Data* data() const;
     friend class ParamTable<ParamPolys>;
 };
 
@@ -118,9 +118,9 @@ public:
 
 private:
     struct Data;
-    explicit ParamAreas(int id);
-    ~ParamAreas();
-    friend class ArithmParamMgr;
+    ARITHM_PARAM_LOCAL explicit ParamAreas(int id);
+    ARITHM_PARAM_LOCAL ~ParamAreas();
+    ARITHM_PARAM_LOCAL Data* data() const;
     friend class ParamTable<ParamAreas>;
 };
 
@@ -144,8 +144,8 @@ public:
 
 private:
     struct Data;
-    explicit ParamStrings(int id);
-    ~ParamStrings();
-    friend class ArithmParamMgr;
+    ARITHM_PARAM_LOCAL explicit ParamStrings(int id);
+    ARITHM_PARAM_LOCAL ~ParamStrings();
+    ARITHM_PARAM_LOCAL Data* data() const;
     friend class ParamTable<ParamStrings>;
 };

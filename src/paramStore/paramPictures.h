@@ -31,9 +31,9 @@ public:
 
 private:
     struct Data;
-    explicit ParamDIB(int id);
-    ~ParamDIB();
-    friend class ArithmParamMgr;
+    ARITHM_PARAM_LOCAL explicit ParamDIB(int id);
+    ARITHM_PARAM_LOCAL ~ParamDIB();
+    ARITHM_PARAM_LOCAL Data* data() const;
     friend class ParamTable<ParamDIB>;
 };
 
@@ -49,9 +49,9 @@ public:
 
 private:
     struct Data;
-    explicit ParamGray8(int id);
-    ~ParamGray8();
-    friend class ArithmParamMgr;
+    ARITHM_PARAM_LOCAL explicit ParamGray8(int id);
+    ARITHM_PARAM_LOCAL ~ParamGray8();
+    ARITHM_PARAM_LOCAL Data* data() const;
     friend class ParamTable<ParamGray8>;
 };
 
@@ -67,8 +67,8 @@ public:
 
 private:
     struct Data;
-    explicit ParamGray16(int id);
-    ~ParamGray16();
-    friend class ArithmParamMgr;
+    ARITHM_PARAM_LOCAL explicit ParamGray16(int id);
+    ARITHM_PARAM_LOCAL ~ParamGray16();
+    ARITHM_PARAM_LOCAL Data* data() const;
     friend class ParamTable<ParamGray16>;
 };

@@ -1,0 +1,39 @@
+#include "arithmParam.h"
+
+#include "paramData.h"
+
+ArithmParam::ArithmParam(Private* data) : m_pcData(data) {}
+
+ArithmParam::~ArithmParam()
+{
+    delete m_pcData;
+}
+
+int ArithmParam::getID() const
+{
+    return m_pcData->m_nID;
+}
+
+QString ArithmParam::getName() const
+{
+    const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
+    return m_pcData->m_strName;
+}
+
+void ArithmParam::setName(const QString& name)
+{
+    const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
+    m_pcData->m_strName = name;
+}
+
+QString ArithmParam::getDescribe() const
+{
+    const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
+    return m_pcData->m_strDescribe;
+}
+
+void ArithmParam::setDescribe(const QString& describe)
+{
+    const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
+    m_pcData->m_strDescribe = describe;
+}
