@@ -10,12 +10,14 @@ include(GNUInstallDirs)
 set(kit_cmake_dir "${CMAKE_INSTALL_LIBDIR}/cmake/LumivantKit")
 set(kit_include_dir "${CMAKE_INSTALL_INCLUDEDIR}/lumivant")
 
-# One way to name the headers, installed or not: <lumivant/algorithm.h> and <paramStore/arithmParamMgr.h>.
+# The same names work installed or not: <lumivant/algorithm.h>, <arithmParamMgr.h> or <paramStore/arithmParamMgr.h>.
 target_include_directories(ArithmParamMgr INTERFACE
     "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>"
+    "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src/paramStore>"
     "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/sdk/include>"
     "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>"
-    "$<INSTALL_INTERFACE:${kit_include_dir}>")
+    "$<INSTALL_INTERFACE:${kit_include_dir}>"
+    "$<INSTALL_INTERFACE:${kit_include_dir}/paramStore>")
 add_library(Lumivant::ArithmParamMgr ALIAS ArithmParamMgr)
 
 install(TARGETS ArithmParamMgr EXPORT LumivantKit

@@ -2,7 +2,7 @@
 //
 // Configuration text: "<Width>640</Width><Height>480</Height>".
 #include <lumivant/dataSource.h>
-#include <paramStore/pictureLayout.h>
+#include <pictureLayout.h>
 
 #include <algorithm>
 #include <chrono>

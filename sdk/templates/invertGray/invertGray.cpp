@@ -2,8 +2,8 @@
 //
 // Option text: "<InputID>3</InputID><OutputID>4</OutputID>", the numbers of two records of the task's store.
 #include <lumivant/algorithm.h>
-#include <paramStore/arithmParamMgr.h>
-#include <paramStore/pictureLayout.h>
+#include <arithmParamMgr.h>
+#include <pictureLayout.h>
 
 #include <cstdint>
 #include <cstdlib>
