@@ -1,0 +1,132 @@
+#include "mainwindow.h"
+
+#include "globalFunction.h"
+#include "outputLine.h"
+#include "taskMgr/taskMgr.h"
+#include "ui_mainwindow.h"
+#include "view/viewForm.h"
+#include "windowMessages.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMessageBox>
+#include <QStringList>
+
+#include <unistd.h>
+
+/// Resources of a static library are not found unless someone asks for them; cannot stand in a namespace.
+static void initResources()
+{
+    Q_INIT_RESOURCE(lumivant);
+}
+
+namespace {
+
+/// An "about" box whose text is shown as it is, markup and all.
+void showAbout(const QString& text)
+{
+    QWidget* const parent = QApplication::activeWindow();
+    auto* const box = new QMessageBox(QMessageBox::NoIcon, WindowMessages::warning(), text, QMessageBox::Ok, parent);
+    box->setAttribute(Qt::WA_DeleteOnClose);  // Not on the stack: its parent may take it along.
+    box->setTextFormat(Qt::PlainText);
+    if (parent != nullptr)
+        box->setIconPixmap(parent->windowIcon().pixmap(48, 48));
+    box->exec();
+}
+
+}  // namespace
+
+int MainWindow::s_nProcessorNum = 0;
+
+void HaveErrorMessage(QString message)
+{
+    static QStringList s_lstWaiting;
+    static bool s_bShowing = false;
+    s_lstWaiting.append(message);
+    if (s_bShowing)
+        return;
+    s_bShowing = true;
+    while (!s_lstWaiting.isEmpty())
+        showAbout(s_lstWaiting.takeFirst());
+    s_bShowing = false;
+}
+
+void MainWindow::HavePrintMessage(QString message)
+{
+    OutputLine::print(message);
+}
+
+MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_pcUi(std::make_unique<Ui::MainWindow>())
+{
+    initResources();
+    m_pcUi->setupUi(this);
+    m_pcUi->splitter->setStretchFactor(0, 0);
+    m_pcUi->splitter->setStretchFactor(1, 1);
+    m_pcOutputLine = std::make_unique<OutputLine>(m_pcUi->lblOutputMsg);
+    addViews();
+
+    clearTabs();
+    s_nProcessorNum = static_cast<int>(sysconf(_SC_NPROCESSORS_CONF));
+    setProjectPath(QString());
+    TaskMgr::getInstance()->setMssageCallBack(HaveErrorMessage);
+    TaskMgr::getInstance()->setPrintCallBack(MainWindow::HavePrintMessage);
+}
+
+MainWindow::~MainWindow()
+{
+    // The tasks use widgets, views and the output line until they are gone.
+    TaskMgr::deleteThis();
+    m_pcOutputLine.reset();
+    for (int i = 0; i < ViewForm::ViewNum; ++i) {
+        ViewForm*& view = ViewForm::s_apcViewForms[static_cast<size_t>(i)];
+        if (view != nullptr && view->window() == this)
+            view = nullptr;
+    }
+}
+
+void MainWindow::addViews()
+{
+    for (int i = 0; i < ViewForm::ViewNum; ++i) {
+        auto* const view = new ViewForm(i, m_pcUi->wgViews);
+        // All panes that are shown share the room evenly, whatever they show.
+        view->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+        m_pcUi->gridLayout_2->addWidget(view, i / 2, i % 2);
+        ViewForm::s_apcViewForms[static_cast<size_t>(i)] = view;
+        GlobalFunction::getInstance()->addView(i, view);
+    }
+}
+
+bool MainWindow::confirmed(const QString& question)
+{
+    return QMessageBox::question(this, WindowMessages::warning(), question, QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::No) == QMessageBox::Yes;
+}
+
+void MainWindow::showFileError()
+{
+    showAbout(WindowMessages::fileFailed());
+}
+
+void MainWindow::on_cbLayout_currentIndexChanged(int index)
+{
+    if (index < 0 || index > ViewForm::ViewNum)
+        return;
+    for (int i = 0; i < ViewForm::ViewNum; ++i)
+        ViewForm::s_apcViewForms[static_cast<size_t>(i)]->setVisible(index == 0 || index == i + 1);
+}
+
+void MainWindow::on_btnClearMsg_clicked()
+{
+    m_pcOutputLine->show(QString());
+    m_pcUi->wgViewControl->repaint();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (!confirmed(WindowMessages::askExit())) {
+        event->ignore();
+        return;
+    }
+    TaskMgr::deleteThis();
+    event->accept();
+}

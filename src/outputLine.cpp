@@ -1,0 +1,112 @@
+#include "outputLine.h"
+
+#include <QLabel>
+#include <QTextDocument>
+
+#include <mutex>
+#include <thread>
+
+namespace {
+
+constexpr int PauseMs = 16;
+
+/// Where the threads leave their newest message.
+struct Relay
+{
+    std::mutex m_cMutex;              ///< Guards all below; while it is held the current line cannot go.
+    OutputLine* m_pcLine = nullptr;   ///< Not owned; null without a window.
+    std::thread::id m_cWindowThread;  ///< The thread that shows.
+    QString m_strNewest;
+    bool m_bFresh = false;  ///< The newest message was not shown yet.
+    bool m_bBusy = false;   ///< A call to the line is on its way, or its pause runs.
+
+    void reset(OutputLine* line)
+    {
+        m_pcLine = line;
+        m_cWindowThread = std::this_thread::get_id();
+        m_strNewest.clear();
+        m_bFresh = false;
+        m_bBusy = false;
+    }
+};
+
+Relay& relay()
+{
+    static Relay* const s_pcRelay = new Relay;  // Never deleted: threads may print until the process ends.
+    return *s_pcRelay;
+}
+
+}  // namespace
+
+OutputLine::OutputLine(QLabel* label, QObject* parent) : QObject(parent), m_pcLabel(label)
+{
+    m_cPause.setSingleShot(true);
+    connect(&m_cPause, &QTimer::timeout, this, &OutputLine::showNewest);
+    const std::lock_guard<std::mutex> guard(relay().m_cMutex);
+    relay().reset(this);
+}
+
+OutputLine::~OutputLine()
+{
+    const std::lock_guard<std::mutex> guard(relay().m_cMutex);
+    if (relay().m_pcLine == this)
+        relay().reset(nullptr);
+}
+
+void OutputLine::print(const QString& message)
+{
+    Relay& state = relay();
+    std::unique_lock<std::mutex> guard(state.m_cMutex);
+    if (state.m_pcLine == nullptr)
+        return;
+    if (state.m_cWindowThread == std::this_thread::get_id()) {
+        OutputLine* const line = state.m_pcLine;
+        guard.unlock();
+        line->show(message);
+        return;
+    }
+    state.m_strNewest = message;
+    state.m_bFresh = true;
+    if (state.m_bBusy)
+        return;
+    state.m_bBusy = true;
+    // By name and with the lock held: nothing of the event is touched by two threads without the lock between them.
+    QMetaObject::invokeMethod(state.m_pcLine, "showNewest", Qt::QueuedConnection);
+}
+
+void OutputLine::show(const QString& message)
+{
+    {
+        const std::lock_guard<std::mutex> guard(relay().m_cMutex);
+        relay().m_bFresh = false;
+        relay().m_strNewest.clear();
+    }
+    setLabel(message);
+}
+
+void OutputLine::showNewest()
+{
+    QString message;
+    {
+        Relay& state = relay();
+        const std::lock_guard<std::mutex> guard(state.m_cMutex);
+        if (state.m_pcLine != this)
+            return;
+        // Busy until a whole pause brought nothing: Qt would deliver calls that arrive meanwhile in the same turn.
+        state.m_bBusy = state.m_bFresh;
+        if (!state.m_bFresh)
+            return;
+        message.swap(state.m_strNewest);
+        state.m_bFresh = false;
+    }
+    setLabel(message);
+    m_cPause.start(PauseMs);
+}
+
+void OutputLine::setLabel(const QString& message)
+{
+    if (m_pcLabel.isNull())
+        return;
+    m_pcLabel->setText(message);
+    m_pcLabel->setToolTip(message.isEmpty() ? QString() : Qt::convertFromPlainText(message));
+}
