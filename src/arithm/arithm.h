@@ -7,8 +7,8 @@ class ArithmParamMgr;
 /**
  * The handle of one algorithm, built in or from a library.
  *
- * Immutable, so any thread may call it; made by ArithmFactory, lives until the program ends. A missing entry point and a
- * null text both count as the empty text.
+ * Immutable, so any thread may call it; made by ArithmFactory, lives until the program ends. A missing entry point and
+ * a null text both count as the empty text.
  */
 class Arithm
 {
@@ -17,7 +17,7 @@ public:
     using ShowConfigWindow = char* (*)(char*, ArithmParamMgr*, bool);
     using Execute = char* (*)(char*, ArithmParamMgr*);
 
-    Arithm(bool extLib, GetID getID, ShowConfigWindow showConfigWindow, Execute execute);
+    Arithm(bool extLib, GetID id, ShowConfigWindow configWindow, Execute run);
 
     bool IsExtLib() const;  ///< True for libraries of the extension folder.
     QString getID() const;

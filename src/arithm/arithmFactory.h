@@ -30,23 +30,35 @@ public:
     static ArithmFactory* getInstance();  ///< Made on first use, discovery included; any thread.
 
     QList<ArithmInfo>* getArithms();
-    Arithm* getArithm(QString id);                    ///< The first registered under the identifier; null when none is.
-    QString getArithm(QString cls, QString name);     ///< The identifier of the first of that class and name, or empty.
-    QStringList getArithmNames(QString cls);          ///< In order of registration, each once.
-    QStringList getArithmClassNames();                ///< In order of registration, each once.
+    Arithm* getArithm(QString id);                 ///< The first registered under the identifier; null when none is.
+    QString getArithm(QString cls, QString name);  ///< The identifier of the first of that class and name, or empty.
+    QStringList getArithmNames(QString cls);       ///< In order of registration, each once.
+    QStringList getArithmClassNames();             ///< In order of registration, each once.
 
     static std::atomic<ArithmFactory*> s_pcAF;
     static QMutex s_cMtxForAF;  ///< Guards creation, discovery included.
 
 private:
+    /**
+     * Destroys the registry when the process ends: made before main, so it dies after all that is made later and may
+     * still run algorithms.
+     */
+    struct AtProcessEnd
+    {
+        ~AtProcessEnd();
+    };
+    static AtProcessEnd s_cAtProcessEnd;
+
     ArithmFactory();
     ~ArithmFactory();  ///< Unloads the registered libraries.
 
-    void registerBuiltins();                                    // builtinArithms.cpp
-    void discover(const QString& folder, bool extLib);          // arithmDiscovery.cpp
+    void registerBuiltins();                            // builtinArithms.cpp
+    void discover(const QString& folder, bool extLib);  // arithmDiscovery.cpp
+    void registerArithm(const QString& cls, const QString& name, Arithm* arithm);
+    Arithm* findArithm(const QString& id) const;
 
     QList<QLibrary*> m_lstLibraries;  ///< Owned; registered libraries in order of registration.
     QList<ArithmInfo> m_lstArithms;
-    std::mutex m_cMtxCache;           ///< Guards m_mapCache.
+    std::mutex m_cMtxCache;             ///< Guards m_mapCache.
     QMap<QString, Arithm*> m_mapCache;  ///< Identifiers already looked up.
 };

@@ -46,12 +46,22 @@ public:
     static QMutex s_cMutexForThis;  ///< Guards the creation of the instance.
 
 private:
+    /**
+     * Destroys the registry when the process ends: made before main, so it dies after all that is made later and may
+     * still use a source.
+     */
+    struct AtProcessEnd
+    {
+        ~AtProcessEnd();
+    };
+    static AtProcessEnd s_cAtProcessEnd;
+
     DataSource();
     ~DataSource();
     static void makeInstance();
     void initDataSources();
-    void addMemoryDisks();  // builtinSources.cpp
-    void addKind(const QString& name, DataSourceInfo* info);
+    void addMemoryDisks();                                    // builtinSources.cpp
+    void addKind(const QString& name, DataSourceInfo* info);  ///< Replaces a kind of the same name.
 
     QMap<QString, DataSourceInfo*> m_mapKinds;  ///< Owned.
     QList<QLibrary*> m_lstLibraries;            ///< Owned; registered libraries.

@@ -2,6 +2,8 @@
 
 #include "dataSource/dataSourceInfo.h"
 
+#include <cstdint>
+
 /**
  * One configured source of a task: fetches a picture a pass into the task's store.
  *
@@ -43,6 +45,10 @@ public:
 private:
     friend class DataSourceInfo;
     DataSourceInstance() = default;
+
+    /// Labels the record and fetches one picture into it; bytesOf gives the size of a picture of the type, 0 for none.
+    template <typename Record>
+    bool fetchInto(Record& record, const char* type, std::int64_t (*bytesOf)(int width, int height));
 
     int m_nInstance = 0;
     QString m_strName;

@@ -1,0 +1,20 @@
+#include "arithm/arithm.h"
+#include "arithm/arithmFactory.h"
+#include "drawing/drawing.h"
+
+namespace {
+
+/// The handle of a built-in: a class whose static functions have the shapes of a library's entry points.
+template <typename Algorithm>
+Arithm* makeBuiltin()
+{
+    return new Arithm(false, &Algorithm::getID, &Algorithm::showConfigWindow, &Algorithm::execute);
+}
+
+}  // namespace
+
+void ArithmFactory::registerBuiltins()
+{
+    // Menus list them in this order: MemoryDisk, Drawing, Saving, Loading, each from the day it exists.
+    registerArithm(Drawing::getClass(), Drawing::getName(), makeBuiltin<Drawing>());
+}

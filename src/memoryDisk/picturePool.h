@@ -1,0 +1,177 @@
+#pragma once
+
+#include "threadGuards.h"
+
+#include <QList>
+#include <QMutex>
+#include <QSemaphore>
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+/**
+ * One picture buffer that circulates in a pool. Its owner is the pool; whoever took it from the pool may read it until
+ * he gives it back.
+ */
+class PictureSlot
+{
+public:
+    PictureSlot() = default;
+    PictureSlot(const PictureSlot&) = delete;
+    PictureSlot& operator=(const PictureSlot&) = delete;
+
+    int getWidth() const { return m_nWidth; }    ///< Pixels.
+    int getHeight() const { return m_nHeight; }  ///< Pixels.
+
+    /**
+     * Copies a picture in; the buffer grows when it is too small and never shrinks.
+     *
+     * @param bytes size of the picture, above 0
+     * @return false when there is no memory; the slot is empty then
+     */
+    bool store(const unsigned char* data, std::int64_t bytes, int width, int height);
+
+protected:
+    unsigned char* pixels() const { return m_pchPixels.get(); }
+
+private:
+    std::unique_ptr<unsigned char[]> m_pchPixels;  ///< Null until first used.
+    std::int64_t m_nCapacity = 0;                  ///< Bytes allocated.
+    int m_nWidth = 0;
+    int m_nHeight = 0;
+};
+
+/**
+ * A fixed number of slots that circulate: idle, then prepared (holds a picture that nobody took yet), then processing
+ * (a reader has it), then idle again. Pictures come out in the order in which they were put in.
+ *
+ * Slot is a PictureSlot with a static bytesOf(width, height): 0 for a size that no picture can have.
+ * Threads: every operation may be called from any thread. No two locks are ever held at a time; every wait ends after
+ * WaitMs. The counts are read without a lock and may be momentarily inconsistent with each other.
+ */
+template <typename Slot>
+class PicturePool
+{
+public:
+    static constexpr int SlotNum = 6;
+    static constexpr int WaitMs = 1000;
+
+    PicturePool()
+    {
+        for (Slot*& slot : m_apcSlots) {
+            slot = new Slot;
+            m_cIdle.putLast(slot);
+        }
+    }
+
+    /// Frees the slots that came back; those that a reader still holds stay his until the process has ended.
+    ~PicturePool()
+    {
+        for (Slot* slot : m_apcSlots) {
+            if (m_cPrepared.contains(slot) || m_cIdle.contains(slot))
+                delete slot;
+            else
+                keepForReader(slot);
+        }
+    }
+
+    PicturePool(const PicturePool&) = delete;
+    PicturePool& operator=(const PicturePool&) = delete;
+
+    /// Copies a picture into an idle slot and queues it; false when the pool stays full or it is no picture.
+    bool add(const unsigned char* data, int width, int height)
+    {
+        const std::int64_t bytes = Slot::bytesOf(width, height);
+        if (!data || bytes == 0 || !ThreadGuards::takePermit(m_cIdlePermits, WaitMs))
+            return false;
+        Slot* slot = m_cIdle.takeFirst();
+        if (!slot->store(data, bytes, width, height)) {
+            putIdle(slot);
+            return false;
+        }
+        m_cPrepared.putLast(slot);
+        ThreadGuards::givePermit(m_cPreparedPermits);
+        return true;
+    }
+
+    /// Takes the oldest picture out; the caller gives it back with release. Null when none came in time.
+    Slot* request()
+    {
+        if (!ThreadGuards::takePermit(m_cPreparedPermits, WaitMs))
+            return nullptr;
+        Slot* slot = m_cPrepared.takeFirst();
+        countProcessing(+1);
+        return slot;
+    }
+
+    /// Gives back a slot that request handed out.
+    void release(Slot* slot)
+    {
+        countProcessing(-1);
+        putIdle(slot);
+    }
+
+    int idleNum() const { return m_cIdle.size(); }
+    int preparedNum() const { return m_cPrepared.size(); }
+    int processingNum() const { return m_nProcessing.load(std::memory_order_relaxed); }
+
+private:
+    /// A queue of slots with a lock of its own; its size can be read without the lock.
+    class SlotList
+    {
+    public:
+        Slot* takeFirst()
+        {
+            const ThreadGuards::MutexGuard guard(m_cMutex);
+            Slot* slot = m_lstSlots.takeFirst();
+            m_nSize.store(m_lstSlots.size(), std::memory_order_relaxed);
+            return slot;
+        }
+        void putLast(Slot* slot)
+        {
+            const ThreadGuards::MutexGuard guard(m_cMutex);
+            m_lstSlots.append(slot);
+            m_nSize.store(m_lstSlots.size(), std::memory_order_relaxed);
+        }
+        bool contains(Slot* slot)
+        {
+            const ThreadGuards::MutexGuard guard(m_cMutex);
+            return m_lstSlots.contains(slot);
+        }
+        int size() const { return m_nSize.load(std::memory_order_relaxed); }
+
+    private:
+        QMutex m_cMutex;  ///< Guards m_lstSlots.
+        QList<Slot*> m_lstSlots;
+        std::atomic<int> m_nSize{0};
+    };
+
+    void putIdle(Slot* slot)
+    {
+        m_cIdle.putLast(slot);
+        ThreadGuards::givePermit(m_cIdlePermits);
+    }
+
+    void countProcessing(int change)
+    {
+        const ThreadGuards::MutexGuard guard(m_cMtxProcessing);
+        m_nProcessing.fetch_add(change, std::memory_order_relaxed);
+    }
+
+    static void keepForReader(Slot* slot)
+    {
+        static auto* const kept = new std::vector<Slot*>;
+        kept->push_back(slot);
+    }
+
+    std::array<Slot*, SlotNum> m_apcSlots{};  ///< Owned; all slots, wherever they are.
+    SlotList m_cIdle;
+    SlotList m_cPrepared;
+    QMutex m_cMtxProcessing;  ///< Guards changes of m_nProcessing.
+    std::atomic<int> m_nProcessing{0};
+    QSemaphore m_cIdlePermits{SlotNum};  ///< As many permits as m_cIdle has slots.
+    QSemaphore m_cPreparedPermits{0};    ///< As many permits as m_cPrepared has slots.
+};
