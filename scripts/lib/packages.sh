@@ -1,0 +1,27 @@
+# shellcheck shell=bash
+# Debian packages (12 "bookworm") that the scripts install where they are missing; one list for each purpose.
+# shellcheck disable=SC2034  # Used by the scripts that source this file.
+
+# To build the workbench, its plug-in pack and its pictures.
+BUILD_PACKAGES=(
+    g++ cmake ninja-build ccache pkg-config python3
+    qtbase5-dev qtbase5-dev-tools libopencv-core-dev libopencv-imgproc-dev
+)
+
+# To run it: drawn icons, picture formats beyond Qt's own, a font with Chinese characters.
+RUN_PACKAGES=(libqt5svg5 qt5-image-formats-plugins fonts-wqy-microhei)
+
+# To run it where only a Wayland display is offered.
+WAYLAND_PACKAGES=(qtwayland5)
+
+# To see whether a display answers.
+DISPLAY_PACKAGES=(x11-utils)
+
+# To run it without a display and look at its window.
+HEADLESS_PACKAGES=(xvfb xauth xdotool imagemagick x11-utils)
+
+# To run the tests and the checks beside them.
+TEST_PACKAGES=(clang-format-14)
+
+# To measure speed.
+BENCH_PACKAGES=(libbenchmark-dev)
