@@ -14,8 +14,10 @@
 
 #include <atomic>
 #include <memory>
+#include <vector>
 
 class ArithmParamMgr;
+struct RunState;
 class QAction;
 class QComboBox;
 class QMenu;
@@ -71,8 +73,8 @@ public:
 
     // ---- Project text (taskInfoText.cpp) ----------------------------------------------------------------------------
 
-    QString toString();               ///< The lines of this task, each ending in a line feed.
-    void fromString(QString text);    ///< Fills a new task from the body of its element.
+    QString toString();             ///< The lines of this task, each ending in a line feed.
+    void fromString(QString text);  ///< Fills a new task from the body of its element.
 
     // ---- Passes (taskInfoPass.cpp) ----------------------------------------------------------------------------------
 
@@ -96,7 +98,8 @@ public:
     // ---- Runs (taskInfoRun.cpp) -------------------------------------------------------------------------------------
 
     void startTask();
-    void stopTask();                       ///< Waits, without limit, for the pass in progress.
+    void stopTask();     ///< Waits, without limit, for the pass in progress.
+    void requestStop();  ///< Asks a running task to end after its pass; does not wait.
     static void* threadTaskFunc(void* task);
 
 Q_SIGNALS:
@@ -120,29 +123,71 @@ public Q_SLOTS:
     void insertArithm(int row, QAction* action);
 
 private:
-    // Private members: see the topic sources.
-    void disconnectEvents();
+    using ErrorWording = QString (*)(const QString& arithmName, const QString& text);
 
-    QTableWidgetItem* m_pcSelectedItem = nullptr;  ///< The step cell pressed last; not owned.
+    // ---- The tab's widgets (taskInfoTab.cpp) ------------------------------------------------------------------------
+    void disconnectEvents();
+    void showRunning();     ///< The run button offers to stop; what could change the task is disabled.
+    void showIdle();        ///< The opposite.
+    void showSelections();  ///< The combos follow kernel and view.
+    void showAddedStep(int row);
+    void showRemovedStep(int row);
+    void showStepTime(qint64 row, qint64 ms);  ///< Nothing when there is no such row.
+    QTableWidget* flowTable() const;           ///< Null when there is none.
+    int selectedRow() const;                   ///< Row of the first selected cell; -1 when none is.
+
+    // ---- Project text (taskInfoText.cpp) ----------------------------------------------------------------------------
+    void loadDataSource(const QString& config);
+    void loadStep(QString body);
+    void reserveNamedIDs(const QString& text);  ///< So that the store never hands them out as fresh.
+
+    // ---- Passes (taskInfoPass.cpp) ----------------------------------------------------------------------------------
+    bool runStep(qint64& index, QString& message, bool showTime);
+    bool prepareStep(TaskItem& item);                   ///< False when the algorithm does not exist.
+    QString executeStep(const TaskItem& item);          ///< Of a prepared step.
+    bool obeyCommands(QString& result, qint64& index);  ///< False when the task is to stop.
+    void obeyPrints(QString& result);                   ///< All that an end-of-task step may command.
+    void runTaskEndSteps(QString& message, ErrorWording wording);
+    int clampedView();  ///< The view, within what exists; stored back.
+    void print(const QString& text) const;
+    void logPasses() const;
+
+    // ---- Runs (taskInfoRun.cpp) -------------------------------------------------------------------------------------
+    bool runUntilStopped(QString& message);  ///< The whole run; true when it ended on request.
+    void markBegun();
+    void markEnded();
+    void waitUntilThreadIsGone();
+    long long takeReportedRun();  ///< The run whose report has arrived.
+    long long currentRun() const;
+
+    // ---- Editing the steps (taskInfoEdit.cpp) -----------------------------------------------------------------------
+    static constexpr int AfterLastStep = -1;
+    void prepareStore(int position);
+    bool configureNewStep(int position, QAction* action, TaskItem& item);
+    void buildContextMenu(QTableWidget* table);
+
+    QTableWidgetItem* m_pcSelectedItem = nullptr;  ///< The step cell pressed last; not owned; only ever compared.
     QString m_strName;
-    QPointer<QObject> m_pcRunButton;               ///< The widgets are not owned and may die first.
+    QPointer<QObject> m_pcRunButton;  ///< The widgets are not owned and may die first.
     QPointer<QObject> m_pcViewCombo;
     QPointer<QObject> m_pcThreadCombo;
     QPointer<QObject> m_pcDataSourceButton;
     QPointer<QObject> m_pcFlowTable;
-    QPointer<QObject> m_pcContextMenu;             ///< A child of the flow table; null until the first right-click.
-    QMap<QAction*, TaskItem> m_mapActions;         ///< The step behind each algorithm entry of the context menu.
+    QPointer<QObject> m_pcContextMenu;      ///< A child of the flow table; null until the first right-click.
+    QMap<QAction*, TaskItem> m_mapActions;  ///< The step behind each algorithm entry of the context menu.
     QList<TaskItem> m_lstItems;
-    ArithmParamMgr* m_pcStore;                     ///< Owned.
+    ArithmParamMgr* m_pcStore;                                 ///< Owned.
     DataSource::DataSourceInstance* m_pcDataSource = nullptr;  ///< Owned; null when none is assigned.
     QString m_strDataSourceConfig;
-    int m_nKernel = -1;                            ///< Below 1: no binding; else the number of the processor.
-    int m_nView = 0;
-    std::atomic<bool> m_bRunning{false};           ///< A task thread exists.
-    std::atomic<bool> m_bStopRequested{false};     ///< Set by the window's thread, seen between passes.
-    std::atomic<bool> m_bThreadFinished{true};     ///< Set by the task thread when its work is done.
-    CallBack m_pfnMessage = nullptr;
-    CallBack m_pfnPrint = nullptr;
+    std::atomic<int> m_nKernel{-1};  ///< Below 1: no binding; else the number of the processor.
+    std::atomic<int> m_nView{0};
+    std::atomic<bool> m_bRunning{false};        ///< A task thread exists.
+    std::atomic<bool> m_bStopRequested{false};  ///< Set by the window's thread, seen between passes.
+    std::atomic<bool> m_bThreadFinished{true};  ///< Set by the task thread when its work is done.
+    std::atomic<CallBack> m_pfnMessage{nullptr};
+    std::atomic<CallBack> m_pfnPrint{nullptr};
     pthread_t m_hThread{};                         ///< 0 when none.
+    const std::shared_ptr<RunState> m_pcRunState;  ///< Shared with the thread.
+    std::vector<char> m_vecScratch;                ///< The option text that an algorithm gets and may scribble on.
     std::atomic<long long> m_nPassNum{0};
 };

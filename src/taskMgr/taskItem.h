@@ -8,8 +8,8 @@ class Arithm;
 /// One step of a task: an algorithm with its option text. A plain value, copied freely.
 struct TaskItem
 {
-    static constexpr int Unlimited = -1;          ///< Every negative count: runs in every pass.
-    static constexpr int AtTaskEnd = 999999999;   ///< Never runs in a pass, but once when the task ends.
+    static constexpr int Unlimited = -1;         ///< Every negative count: runs in every pass.
+    static constexpr int AtTaskEnd = 999999999;  ///< Never runs in a pass, but once when the task ends.
 
     int m_nMaxExeTimes = Unlimited;  ///< How many passes of one run may run this step.
     int m_nExeTimes = 0;             ///< Passes that ran it since the counters were reset; never saved.
@@ -31,7 +31,8 @@ struct TaskItem
         QString m_strArithmID;         ///< As it was looked up.
         QString m_strOption;           ///< As it was converted.
         int m_nView = -1;              ///< The view in front of a drawing step's text; -1 for all other steps.
-        Arithm* m_pcArithm = nullptr;  ///< Not owned.
+        Arithm* m_pcArithm = nullptr;  ///< Not owned; null until the algorithm was found.
+        bool m_bDrawing = false;       ///< It is the drawing algorithm.
         QByteArray m_cUtf8;            ///< The option text, view element included.
     };
     Prepared m_cPrepared;

@@ -34,8 +34,8 @@ public:
     int getTaskNum() const;           ///< Number of ids, not one above the largest.
     void clear();
 
-    QString toString() const;         ///< The project text.
-    void fromString(QString text);    ///< Replaces all tasks with those of a project text.
+    QString toString() const;       ///< The project text.
+    void fromString(QString text);  ///< Replaces all tasks with those of a project text.
 
     static std::atomic<TaskMgr*> s_pcInstance;
     static QMutex s_cMtxForIns;  ///< Guards creation and destruction of the instance.
@@ -44,8 +44,8 @@ private:
     TaskMgr();
     ~TaskMgr();
 
-    QMap<int, TaskInfo*> m_mapTasks;    ///< Owned.
-    QList<TaskInfo*> m_lstReplaced;     ///< Owned; tasks whose id went to a later one.
+    QMap<int, TaskInfo*> m_mapTasks;  ///< Owned.
+    QList<TaskInfo*> m_lstReplaced;   ///< Owned; tasks whose id went to a later one.
     TaskInfo::CallBack m_pfnMessage = nullptr;
     TaskInfo::CallBack m_pfnPrint = nullptr;
 };

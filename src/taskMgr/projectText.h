@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+/**
+ * Takes the repeated elements of a text off it, one after the other.
+ *
+ * Gives what repeated GlobalFunction::getAndRemoveBody on the whole text gives, but in a time that grows linearly with
+ * the text: elements are read through a window that moves over the unchanged text, and what stands between them is kept
+ * apart. What is kept apart holds no marker; one that forms where an element was cut out is looked for there.
+ */
+class ElementReader
+{
+public:
+    ElementReader(const QString& text, const QString& open, const QString& close);
+
+    /// The body of the next element; empty when there is none, or when it is empty itself.
+    QString next();
+
+    /// The text without the elements taken so far.
+    QString remaining() const { return m_strLeftOver + m_strText.mid(m_nPos); }
+
+private:
+    bool markerAcrossSeam() const;
+
+    QString m_strText;
+    QString m_strOpen;
+    QString m_strClose;
+    QString m_strLeftOver;  ///< What stood in front of the window and was not part of an element.
+    int m_nPos = 0;         ///< Where the window starts.
+};
+
+namespace ProjectText {
+
+/// What is read of a project text: all in front of the first NUL.
+QString upToNul(const QString& text);
+
+/**
+ * Removes empty lines: what is left when repeated carriage returns, line feeds and pairs of both are replaced by one
+ * until none of the three is left. Used on the whole project text before it is saved.
+ */
+QString collapseEmptyLines(const QString& text);
+
+/**
+ * Calls found for each identifier that an option text names: the decimal number, blanks around it allowed, in each
+ * element whose name ends in "ID" in any case.
+ */
+void forEachNamedID(const QString& text, const std::function<void(int)>& found);
+
+}  // namespace ProjectText

@@ -1,0 +1,269 @@
+#include "arithm/arithm.h"
+#include "arithm/arithmMgr.h"
+#include "drawing/drawing.h"
+#include "taskMgr/resultCommand.h"
+#include "taskMgr/taskInfo.h"
+#include "taskMgr/taskMessages.h"
+
+#include <QElapsedTimer>
+#include <QLoggingCategory>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+// Says after each run how many passes it made, where the user asks for it.
+Q_LOGGING_CATEGORY(logRun, "lumivant.run", QtWarningMsg)
+
+namespace {
+
+constexpr int LastView = 3;
+
+/// Resets the execution counters of a task on every way out of a pass, where asked to.
+class CounterReset
+{
+public:
+    CounterReset(TaskInfo& task, bool active) : m_cTask(task), m_bActive(active) {}
+    ~CounterReset()
+    {
+        if (m_bActive)
+            m_cTask.initTaskItemExeTimes();
+    }
+    CounterReset(const CounterReset&) = delete;
+    CounterReset& operator=(const CounterReset&) = delete;
+
+private:
+    TaskInfo& m_cTask;
+    bool m_bActive;
+};
+
+/// A clock that is only read where somebody wants to know: reading it costs more than the rest of a step.
+class Stopwatch
+{
+public:
+    explicit Stopwatch(bool active)
+    {
+        if (active)
+            m_cTimer.start();
+    }
+    qint64 elapsedMs() const { return m_cTimer.isValid() ? m_cTimer.elapsed() : 0; }
+
+private:
+    QElapsedTimer m_cTimer;
+};
+
+bool hasTurn(const TaskItem& item)
+{
+    return !item.runsAtTaskEnd() && (item.m_nMaxExeTimes < 0 || item.m_nExeTimes < item.m_nMaxExeTimes);
+}
+
+void countExecution(TaskItem& item)
+{
+    if (item.m_nExeTimes < std::numeric_limits<int>::max())
+        ++item.m_nExeTimes;
+}
+
+/// Whether two texts still share their data, and so are equal; much cheaper than comparing them.
+bool shareData(const QString& a, const QString& b)
+{
+    return a.constData() == b.constData() && a.size() == b.size();
+}
+
+/// The index that makes the step n places on the next one to run, far within what 64 bits hold.
+qint64 skippedTo(qint64 index, int n)
+{
+    constexpr qint64 Far = qint64{1} << 40;
+    return std::clamp(index - 1 + n, -Far, Far);
+}
+
+QByteArray optionFor(const TaskItem& item, int view)
+{
+    const QByteArray option = item.m_strOption.toUtf8();
+    return view < 0 ? option : "<View>" + QByteArray::number(view) + "</View>" + option;
+}
+
+}  // namespace
+
+bool TaskInfo::runOnce(QString& message, bool resetAfter, int lastStep, int timeoutMs)
+{
+    if (!m_pcDataSource) {
+        message = TaskMessages::noDataSource();
+        return false;
+    }
+    const CounterReset reset(*this, resetAfter);
+    const Stopwatch passTime(timeoutMs >= 0);
+    if (!m_pcDataSource->execute())
+        return true;
+    const int last = lastStep < 0 ? m_lstItems.size() - 1 : lastStep;
+    for (qint64 index = 0; index <= last; ++index) {
+        if (timeoutMs >= 0 && passTime.elapsedMs() > timeoutMs) {
+            message = TaskMessages::timeOut();
+            return false;
+        }
+        index = std::max<qint64>(index, 0);
+        if (m_bStopRequested.load())
+            return true;
+        if (index >= m_lstItems.size())
+            break;
+        if (!runStep(index, message, resetAfter))
+            return false;
+    }
+    if (!resetAfter)
+        m_nPassNum.fetch_add(1, std::memory_order_relaxed);
+    return true;
+}
+
+bool TaskInfo::runStep(qint64& index, QString& message, bool showTime)
+{
+    TaskItem& item = m_lstItems[static_cast<int>(index)];
+    if (!hasTurn(item))
+        return true;
+    if (!prepareStep(item)) {
+        message = TaskMessages::arithmNotExisted(item.m_strArithmName);
+        return false;
+    }
+    const Stopwatch stepTime(showTime);
+    QString result = executeStep(item);
+    const qint64 ms = stepTime.elapsedMs();
+    if (result.length() >= ResultCommand::MinResultLength) {
+        message.clear();
+        if (!obeyCommands(result, index))
+            return false;
+    }
+    if (!result.isEmpty()) {
+        message = TaskMessages::stepError(item.m_strArithmName, result);
+        qWarning().noquote() << message;
+        return false;
+    }
+    if (showTime)
+        showStepTime(index, ms);
+    countExecution(item);
+    return true;
+}
+
+// A miss is not kept: it is looked up again at the next pass.
+bool TaskInfo::prepareStep(TaskItem& item)
+{
+    TaskItem::Prepared& prepared = item.m_cPrepared;
+    if (!prepared.m_pcArithm || !shareData(prepared.m_strArithmID, item.m_strArithmID)) {
+        prepared.m_pcArithm = ArithmMgr::getInstance()->getArithm(item.m_strArithmID);
+        if (!prepared.m_pcArithm)
+            return false;
+        prepared.m_strArithmID = item.m_strArithmID;
+        prepared.m_bDrawing = prepared.m_pcArithm->getID() == QLatin1String(Drawing::getID());
+    }
+    const int view = prepared.m_bDrawing && !item.runsAtTaskEnd() ? clampedView() : -1;
+    if (prepared.m_nView == view && shareData(prepared.m_strOption, item.m_strOption))
+        return true;
+    prepared.m_cUtf8 = optionFor(item, view);
+    prepared.m_strOption = item.m_strOption;
+    prepared.m_nView = view;
+    return true;
+}
+
+QString TaskInfo::executeStep(const TaskItem& item)
+{
+    const QByteArray& option = item.m_cPrepared.m_cUtf8;
+    const auto bytes = static_cast<std::size_t>(option.size()) + 1;
+    if (m_vecScratch.size() < bytes)
+        m_vecScratch.resize(bytes);
+    std::memcpy(m_vecScratch.data(), option.constData(), bytes);
+    return item.m_cPrepared.m_pcArithm->executeUtf8(m_vecScratch.data(), m_pcStore);
+}
+
+bool TaskInfo::obeyCommands(QString& result, qint64& index)
+{
+    for (;;) {
+        const ResultCommand command = ResultCommand::takeFrom(result);
+        switch (command.m_eKind) {
+        case ResultCommand::Kind::None:
+            return true;
+        case ResultCommand::Kind::Skip:
+            index = skippedTo(index, command.m_nSkip);
+            break;
+        case ResultCommand::Kind::Print:
+            print(command.m_strText);
+            break;
+        case ResultCommand::Kind::Stop:
+            print(command.m_strText);
+            return false;
+        }
+    }
+}
+
+void TaskInfo::obeyPrints(QString& result)
+{
+    for (;;) {
+        const ResultCommand command = ResultCommand::takeFrom(result);
+        if (command.m_eKind != ResultCommand::Kind::Print)
+            return;
+        print(command.m_strText);
+    }
+}
+
+void TaskInfo::runTaskEndSteps(QString& message, ErrorWording wording)
+{
+    message.clear();
+    for (TaskItem& item : m_lstItems) {
+        if (!item.runsAtTaskEnd())
+            continue;
+        if (!prepareStep(item)) {
+            message = TaskMessages::arithmNotExisted(item.m_strArithmName);
+            return;
+        }
+        QString result = executeStep(item);
+        if (result.length() >= ResultCommand::MinResultLength)
+            obeyPrints(result);
+        if (!result.isEmpty()) {
+            message = wording(item.m_strArithmName, result);
+            return;
+        }
+    }
+}
+
+void TaskInfo::initTaskItemExeTimes()
+{
+    for (TaskItem& item : m_lstItems)
+        item.m_nExeTimes = 0;
+}
+
+void TaskInfo::runTaskOnce()
+{
+    QString message;
+    const auto report = [this, &message] {
+        const CallBack callBack = m_pfnMessage.load();
+        if (callBack && !message.isEmpty())
+            callBack(message);
+    };
+    m_nPassNum.store(0);
+    initTaskItemExeTimes();
+    if (m_pcDataSource)
+        m_pcDataSource->start();
+    if (!runOnce(message, false, -1, -1))
+        report();
+    runTaskEndSteps(message, TaskMessages::singleRunError);
+    if (m_pcDataSource)
+        m_pcDataSource->stop();
+    logPasses();
+    report();
+}
+
+int TaskInfo::clampedView()
+{
+    int view = m_nView.load();
+    const int clamped = std::clamp(view, 0, LastView);
+    if (clamped != view)
+        m_nView.compare_exchange_strong(view, clamped);  // a view chosen meanwhile stays
+    return clamped;
+}
+
+void TaskInfo::print(const QString& text) const
+{
+    if (const CallBack callBack = m_pfnPrint.load())
+        callBack(text);
+}
+
+void TaskInfo::logPasses() const
+{
+    qCInfo(logRun).noquote() << "task \"" + m_strName + "\": " + QString::number(getPassNum()) + " passes";
+}

@@ -1,0 +1,125 @@
+#include "taskMgr.h"
+
+#include "arithm/arithmFactory.h"
+#include "taskMgr/projectText.h"
+#include "threadGuards.h"
+
+#include <cstdlib>
+#include <memory>
+
+std::atomic<TaskMgr*> TaskMgr::s_pcInstance{nullptr};
+QMutex TaskMgr::s_cMtxForIns;
+
+namespace {
+
+// No task thread may run on while the statics of the program die. Functions registered later run earlier, so this one,
+// registered once the algorithm registry exists, runs before that registry goes.
+void deleteAtExit()
+{
+    static const int s_nRegistered = std::atexit([] { TaskMgr::deleteThis(); });
+    Q_UNUSED(s_nRegistered)
+}
+
+}  // namespace
+
+TaskMgr::TaskMgr()
+{
+    ArithmFactory::getInstance();
+    deleteAtExit();
+}
+
+TaskMgr::~TaskMgr()
+{
+    clear();
+}
+
+TaskMgr* TaskMgr::getInstance()
+{
+    TaskMgr* instance = s_pcInstance.load(std::memory_order_acquire);
+    if (instance)
+        return instance;
+    const ThreadGuards::MutexGuard guard(s_cMtxForIns);
+    instance = s_pcInstance.load(std::memory_order_relaxed);
+    if (!instance) {
+        instance = new TaskMgr;
+        s_pcInstance.store(instance, std::memory_order_release);
+    }
+    return instance;
+}
+
+void TaskMgr::deleteThis()
+{
+    const ThreadGuards::MutexGuard guard(s_cMtxForIns);
+    delete s_pcInstance.load();
+    s_pcInstance.store(nullptr);
+}
+
+void TaskMgr::setMssageCallBack(TaskInfo::CallBack callBack)
+{
+    m_pfnMessage = callBack;
+}
+
+void TaskMgr::setPrintCallBack(TaskInfo::CallBack callBack)
+{
+    m_pfnPrint = callBack;
+}
+
+void TaskMgr::addTask(TaskInfo* task, int id)
+{
+    if (!task)
+        return;
+    task->setPrintCallBack(m_pfnPrint);
+    task->setMssageCallBack(m_pfnMessage);
+    // Kept on purpose: a task that loses its id is not deleted; it is kept aside until all tasks go.
+    TaskInfo* replaced = m_mapTasks.value(id);
+    if (replaced && replaced != task)
+        m_lstReplaced.append(replaced);
+    m_lstReplaced.removeAll(task);
+    m_mapTasks.insert(id, task);
+}
+
+TaskInfo* TaskMgr::getTask(int id) const
+{
+    return m_mapTasks.value(id);
+}
+
+void TaskMgr::removeTask(int id)
+{
+    delete m_mapTasks.take(id);
+}
+
+int TaskMgr::getTaskNum() const
+{
+    return m_mapTasks.size();
+}
+
+void TaskMgr::clear()
+{
+    const QList<TaskInfo*> tasks = m_mapTasks.values() + m_lstReplaced;
+    m_mapTasks.clear();
+    m_lstReplaced.clear();
+    // All are asked before the first is waited for: together they take one pass, not the sum of all.
+    for (TaskInfo* task : tasks)
+        task->requestStop();
+    qDeleteAll(tasks);
+}
+
+QString TaskMgr::toString() const
+{
+    QString text;
+    for (TaskInfo* task : m_mapTasks)
+        text += QLatin1String("<=TaskInfo=>\n") + task->toString() + QLatin1String("\n</=TaskInfo=>\n");
+    return text;
+}
+
+void TaskMgr::fromString(QString text)
+{
+    clear();
+    ElementReader tasks(ProjectText::upToNul(text), QStringLiteral("<=TaskInfo=>"), QStringLiteral("</=TaskInfo=>"));
+    int id = 0;
+    for (QString body = tasks.next(); !body.isEmpty(); body = tasks.next()) {
+        auto task = std::make_unique<TaskInfo>(QString(), m_pfnMessage);
+        task->fromString(body);
+        addTask(task.release(), id++);
+    }
+}
