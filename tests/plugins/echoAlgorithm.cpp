@@ -1,0 +1,94 @@
+// An algorithm whose result is its option text. Built many times with other names, and with one entry point left out.
+#include "keptText.h"
+
+#include <lumivant/algorithm.h>
+
+#include <map>
+#include <mutex>
+#include <optional>
+
+namespace {
+
+std::mutex s_cMutex;  // Guards what follows.
+std::map<std::string, int> s_mapCalls;
+std::optional<std::string> s_strConfigResult;
+std::string s_strConfigOption;
+bool s_bConfigFlag = false;
+
+[[maybe_unused]] void count(const char* what)
+{
+    const std::lock_guard<std::mutex> guard(s_cMutex);
+    ++s_mapCalls[what];
+}
+
+}  // namespace
+
+#ifndef LACKS_getID
+const char* getID()
+{
+    count("getID");
+    return TEST_ID;
+}
+#endif
+
+#ifndef LACKS_getArithmClass
+const char* getArithmClass()
+{
+    count("getArithmClass");
+    return TEST_CLASS;
+}
+#endif
+
+#ifndef LACKS_getArithmName
+const char* getArithmName()
+{
+    count("getArithmName");
+    return TEST_NAME;
+}
+#endif
+
+#ifndef LACKS_showConfigWindow
+char* showConfigWindow(char* option, ArithmParamMgr*, bool reserved)
+{
+    count("showConfigWindow");
+    const std::lock_guard<std::mutex> guard(s_cMutex);
+    s_strConfigOption = option;
+    s_bConfigFlag = reserved;
+    return keptText(s_strConfigResult.value_or(option));
+}
+#endif
+
+#ifndef LACKS_execute
+char* execute(char* option, ArithmParamMgr*)
+{
+    count("execute");
+    char* result = keptText(option);
+    if (*option)
+        *option = '#';  // The buffer may be scribbled on.
+    return result;
+}
+#endif
+
+LUMIVANT_EXPORT int testCalls(const char* what)
+{
+    const std::lock_guard<std::mutex> guard(s_cMutex);
+    return s_mapCalls[what];
+}
+
+LUMIVANT_EXPORT void testSetConfigResult(const char* result)
+{
+    const std::lock_guard<std::mutex> guard(s_cMutex);
+    s_strConfigResult = result ? std::optional<std::string>(result) : std::nullopt;
+}
+
+LUMIVANT_EXPORT const char* testConfigOption()
+{
+    const std::lock_guard<std::mutex> guard(s_cMutex);
+    return keptText(s_strConfigOption);
+}
+
+LUMIVANT_EXPORT bool testConfigFlag()
+{
+    const std::lock_guard<std::mutex> guard(s_cMutex);
+    return s_bConfigFlag;
+}
