@@ -8,13 +8,15 @@
 
 #include <array>
 #include <atomic>
+#include <memory>
+#include <vector>
 
 class ArithmParamMgr;
 class QWidget;
 
 /**
- * Two things that the whole program shares: the readers of tagged text, and the registry through which task threads hand
- * drawing options to the views.
+ * Two things that the whole program shares: the readers of tagged text, and the registry through which task threads
+ * hand drawing options to the views.
  */
 class GlobalFunction : public QObject
 {
@@ -41,11 +43,22 @@ public:
     /// What one view shares with the task threads.
     struct ViewDrawOption
     {
-        QMutex m_cMutex;                                              ///< Guards the queue.
-        int m_nCount = 0;                                             ///< Options queued, 0 to QueueLength.
+        QMutex m_cMutex;                                               ///< Guards the queue.
+        int m_nCount = 0;                                              ///< Options queued, 0 to QueueLength.
         std::array<Drawing::DrawingOpt*, QueueLength> m_apcOptions{};  ///< Owned; slot 0 is the oldest.
-        int m_nCanvasWidth = 0;                                       ///< Pixels; 0 until the view reports its size.
+        int m_nCanvasWidth = 0;                                        ///< Pixels; 0 until the view reports its size.
         int m_nCanvasHeight = 0;
+
+        // Each with m_cMutex held by the caller.
+
+        /// Puts an option at the end; a full queue gives its oldest back, for the caller to delete.
+        std::unique_ptr<Drawing::DrawingOpt> append(std::unique_ptr<Drawing::DrawingOpt> option);
+
+        /// Takes the oldest option off; null when none waits.
+        std::unique_ptr<Drawing::DrawingOpt> takeOldest();
+
+        /// Takes every option off that reads from the store; the others keep their order.
+        std::vector<std::unique_ptr<Drawing::DrawingOpt>> takeAllOf(const ArithmParamMgr* store);
     };
 
     /// The one instance, made on first use; any thread.
@@ -63,7 +76,8 @@ public:
 
     void resizeViewCanvas(int view, int width, int height);  ///< Pixels; makes the record when there is none.
 
-    /// Deletes every waiting option that reads from the store, in every view, hidden ones too; before a store dies.
+    /// Deletes every waiting option that reads from the store, in every view, hidden ones too; to be called before a
+    /// store dies, on the window's thread.
     void dropOptionsOf(const ArithmParamMgr* store);
 
     static std::atomic<GlobalFunction*> s_pcInstance;
@@ -73,8 +87,11 @@ private:
     GlobalFunction() = default;
     ~GlobalFunction() override = default;
 
-    QMutex m_cMtxRegistry;                                           ///< Guards making and removing records.
-    std::array<QMutex, ViewSlotNum> m_acMtxView;                     ///< Each held by whoever uses that view's record.
+    std::atomic<ViewDrawOption*>* slotOf(int view);  ///< Null when there is no such view.
+    void makeRecord(std::atomic<ViewDrawOption*>& slot);
+
+    QMutex m_cMtxRegistry;                        ///< Guards making and removing records.
+    std::array<QMutex, ViewSlotNum> m_acMtxView;  ///< Each held by whoever uses that view's record.
     std::array<std::atomic<ViewDrawOption*>, ViewSlotNum> m_apcRecords{};  ///< Owned; null until the view is added.
 };
 
@@ -84,7 +101,8 @@ class ViewRecord
 public:
     explicit ViewRecord(int view)
         : m_nView(view), m_pcRecord(GlobalFunction::getInstance()->requestViewDrawOption(view))
-    {}
+    {
+    }
     ~ViewRecord() { GlobalFunction::getInstance()->releaseViewDrawOption(m_nView, m_pcRecord); }
     ViewRecord(const ViewRecord&) = delete;
     ViewRecord& operator=(const ViewRecord&) = delete;

@@ -16,6 +16,8 @@ class Drawing
 {
 public:
     class DrawingOpt;
+    class ImageDrawingOpt;
+    class GrayDrawingOpt;
     class DIBDrawingOpt;
     class Gray8DrawingOpt;
     class Gray16DrawingOpt;
@@ -41,6 +43,8 @@ public:
     static QString getName();
     static QString getClass();
     static const char* getID();
+
+    /// The edited option text, or the empty text when the step is to keep the one that it has.
     static char* showConfigWindow(char* option, ArithmParamMgr* store, bool);
     static char* execute(char* option, ArithmParamMgr* store);  ///< Always returns the empty text.
 

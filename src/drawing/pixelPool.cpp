@@ -1,0 +1,114 @@
+#include "drawing/pixelPool.h"
+
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <utility>
+#include <vector>
+
+namespace {
+
+struct Buffer
+{
+    std::unique_ptr<unsigned char[]> m_puchData;
+    std::size_t m_nCapacity = 0;  ///< Bytes.
+};
+
+class Pool
+{
+public:
+    /// The smallest free buffer that fits and is not wastefully large; a new one when there is none.
+    Buffer take(std::size_t byteNum)
+    {
+        if (Buffer found = takeFree(byteNum); found.m_puchData)
+            return found;
+        Buffer made{std::unique_ptr<unsigned char[]>(new (std::nothrow) unsigned char[byteNum]), byteNum};
+        return made;
+    }
+
+    void giveBack(Buffer buffer)
+    {
+        std::vector<Buffer> surplus;  // freed after the lock
+        const std::lock_guard<std::mutex> guard(m_cMutex);
+        m_nFreeBytes += buffer.m_nCapacity;
+        m_lstFree.push_back(std::move(buffer));
+        while (m_lstFree.size() > PooledPixels::MaxFreeBuffers || m_nFreeBytes > PooledPixels::MaxFreeBytes) {
+            m_nFreeBytes -= m_lstFree.front().m_nCapacity;
+            surplus.push_back(std::move(m_lstFree.front()));
+            m_lstFree.pop_front();
+        }
+    }
+
+    PooledPixels::PoolState state()
+    {
+        const std::lock_guard<std::mutex> guard(m_cMutex);
+        return {m_nAllocations, m_lstFree.size(), m_nFreeBytes};
+    }
+
+private:
+    Buffer takeFree(std::size_t byteNum)
+    {
+        const std::lock_guard<std::mutex> guard(m_cMutex);
+        auto best = m_lstFree.end();
+        for (auto it = m_lstFree.begin(); it != m_lstFree.end(); ++it) {
+            const bool fits = it->m_nCapacity >= byteNum && it->m_nCapacity / 2 <= byteNum;
+            if (fits && (best == m_lstFree.end() || it->m_nCapacity < best->m_nCapacity))
+                best = it;
+        }
+        if (best == m_lstFree.end()) {
+            ++m_nAllocations;
+            return {};
+        }
+        Buffer found = std::move(*best);
+        m_lstFree.erase(best);
+        m_nFreeBytes -= found.m_nCapacity;
+        return found;
+    }
+
+    std::mutex m_cMutex;           ///< Guards all below.
+    std::deque<Buffer> m_lstFree;  ///< In the order in which they came back.
+    std::size_t m_nFreeBytes = 0;
+    std::int64_t m_nAllocations = 0;
+};
+
+// Never destroyed: options that wait in a queue may outlive the program's statics.
+Pool& pool()
+{
+    static Pool* const instance = new Pool;
+    return *instance;
+}
+
+}  // namespace
+
+PooledPixels::PooledPixels(std::int64_t byteNum)
+{
+    if (byteNum < 1)
+        return;
+    Buffer buffer = pool().take(static_cast<std::size_t>(byteNum));
+    m_puchData = buffer.m_puchData.release();
+    m_nCapacity = m_puchData ? buffer.m_nCapacity : 0;
+}
+
+PooledPixels::~PooledPixels()
+{
+    if (m_puchData)
+        pool().giveBack({std::unique_ptr<unsigned char[]>(m_puchData), m_nCapacity});
+}
+
+PooledPixels::PooledPixels(PooledPixels&& other) noexcept
+    : m_puchData(std::exchange(other.m_puchData, nullptr)), m_nCapacity(std::exchange(other.m_nCapacity, 0))
+{
+}
+
+PooledPixels& PooledPixels::operator=(PooledPixels&& other) noexcept
+{
+    std::swap(m_puchData, other.m_puchData);
+    std::swap(m_nCapacity, other.m_nCapacity);
+    return *this;
+}
+
+PooledPixels::PoolState PooledPixels::poolState()
+{
+    return pool().state();
+}
