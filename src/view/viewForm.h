@@ -8,6 +8,8 @@
 #include <array>
 #include <memory>
 
+class QPainter;
+
 QT_BEGIN_NAMESPACE
 namespace Ui {
 class ViewForm;
@@ -45,6 +47,12 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
+    bool hasWaitingOption() const;
+    bool drawNextOption();  ///< Draws the oldest waiting option; false when there was none.
+    QSize canvasSize();
+    void paintCanvas(QPainter& painter);
+    void paintDragRectangle(QPainter& painter) const;
+
     std::unique_ptr<Ui::ViewForm> m_pcUi;
     int m_nIndex;
     std::unique_ptr<QImage> m_pcCanvas;  ///< Guarded by m_cMtxCanvas.
