@@ -1,0 +1,62 @@
+#include "findCornersDialog.h"
+#include "findCornersOption.h"
+
+#include <lumivant/algorithm.h>
+#include <messages.h>
+#include <pictureViews.h>
+#include <stepEntry.h>
+
+#include <opencv2/imgproc.hpp>
+
+namespace {
+
+QVector<ParamPoints::Point> findCorners(const cv::Mat& input, const FindCornersOption& option)
+{
+    std::vector<cv::Point2f> found;
+    cv::goodFeaturesToTrack(input, found, option.maxCount, option.quality / 100.0, option.minDistance);
+    QVector<ParamPoints::Point> points;
+    points.reserve(static_cast<int>(found.size()));
+    for (const cv::Point2f& point : found)
+        points.append({cvRound(point.x), cvRound(point.y)});
+    return points;
+}
+
+QString findCornersStep(const QString& text, ArithmParamMgr& store)
+{
+    const FindCornersOption option = FindCornersOption::read(text);
+    const InputView input = viewInput(store, option.input);
+    if (!input.error.isEmpty())
+        return input.error;
+    ParamPoints* record = option.output.open(store, &ArithmParamMgr::getParamPoints);
+    if (!record)
+        return Messages::notConfigured();
+    record->replaceAll(findCorners(input.mat, option));
+    return QString();
+}
+
+}  // namespace
+
+const char* getID()
+{
+    return "LV_FindCorners";
+}
+
+const char* getArithmClass()
+{
+    return "目标检测";
+}
+
+const char* getArithmName()
+{
+    return "查找角点";
+}
+
+char* showConfigWindow(char* option, ArithmParamMgr* store, bool)
+{
+    return StepEntry::showDialog<FindCornersDialog>(option, store);
+}
+
+char* execute(char* option, ArithmParamMgr* store)
+{
+    return StepEntry::execute(option, store, &findCornersStep);
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+/// Every text that the source reports as its last error.
+namespace FolderMessages {
+
+inline QString noFolder()
+{
+    return QStringLiteral("没有选择图片文件夹.");
+}
+inline QString folderMissing(const QString& folder)
+{
+    return QStringLiteral("文件夹不存在: %1").arg(folder);
+}
+inline QString folderEmpty(const QString& folder)
+{
+    return QStringLiteral("文件夹中没有图片: %1").arg(folder);
+}
+inline QString unreadable(const QString& name)
+{
+    return QStringLiteral("无法读取图片: %1").arg(name);
+}
+inline QString tooLarge(const QString& name)
+{
+    return QStringLiteral("图片太大: %1").arg(name);
+}
+
+}  // namespace FolderMessages

@@ -1,0 +1,102 @@
+#include "pictureDecoder.h"
+
+#include "folderMessages.h"
+
+#include <grayValue.h>
+#include <paramStore/pictureLayout.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+
+#include <algorithm>
+
+namespace {
+
+/// A file whose reading fails once the source is stopped, so that stopping never waits for a large picture.
+class StoppableFile : public QFile
+{
+public:
+    StoppableFile(const QString& path, const std::atomic<bool>& stop) : QFile(path), m_bStop(stop) {}
+
+protected:
+    qint64 readData(char* data, qint64 length) override { return m_bStop ? -1 : QFile::readData(data, length); }
+
+private:
+    const std::atomic<bool>& m_bStop;
+};
+
+void copyGrayRow(const QImage& image, int y, unsigned char* target)
+{
+    const uchar* source = image.constScanLine(y);
+    for (int x = 0; x < image.width(); ++x, target += 3)
+        target[0] = target[1] = target[2] = source[x];
+}
+
+void copyColourRow(const QImage& image, int y, unsigned char* target)
+{
+    const auto* source = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+    for (int x = 0; x < image.width(); ++x, target += 3) {
+        target[0] = static_cast<unsigned char>(qBlue(source[x]));
+        target[1] = static_cast<unsigned char>(qGreen(source[x]));
+        target[2] = static_cast<unsigned char>(qRed(source[x]));
+    }
+}
+
+bool hasColourRows(const QImage& image)
+{
+    return image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32;
+}
+
+bool copyPixels(const QImage& image, Frame& frame)
+{
+    frame.width = image.width();
+    frame.height = image.height();
+    frame.hasGray = false;
+    if (!frame.colour.resize(PictureLayout::colourBytes(frame.width, frame.height)))
+        return false;
+    const auto stride = static_cast<std::size_t>(PictureLayout::colourStride(frame.width));
+    const auto copyRow = image.format() == QImage::Format_Grayscale8 ? copyGrayRow : copyColourRow;
+    for (int y = 0; y < frame.height; ++y) {
+        unsigned char* row = frame.colour.data() + stride * static_cast<std::size_t>(y);
+        copyRow(image, y, row);
+        std::fill(row + 3 * static_cast<std::size_t>(frame.width), row + stride, static_cast<unsigned char>(0));
+    }
+    return true;
+}
+
+}  // namespace
+
+bool Frame::makeGray()
+{
+    if (!gray.resize(PictureLayout::gray8Bytes(width, height)))
+        return false;
+    const auto stride = static_cast<std::size_t>(PictureLayout::colourStride(width));
+    unsigned char* target = gray.data();
+    for (int y = 0; y < height; ++y) {
+        const unsigned char* source = colour.data() + stride * static_cast<std::size_t>(y);
+        for (int x = 0; x < width; ++x, source += 3)
+            *target++ = grayValue(source[0], source[1], source[2]);
+    }
+    hasGray = true;
+    return true;
+}
+
+QString PictureDecoder::decode(const QString& path, Frame& frame, const std::atomic<bool>& stop)
+{
+    const QString name = QFileInfo(path).fileName();
+    StoppableFile file(path, stop);
+    if (!file.open(QIODevice::ReadOnly))
+        return FolderMessages::unreadable(name);
+    QImageReader reader(&file);
+    const QSize size = reader.size();
+    if (size.width() < 1 || size.height() < 1)
+        return FolderMessages::unreadable(name);
+    if (qint64(size.width()) * size.height() > MostPixels)
+        return FolderMessages::tooLarge(name);
+    if (!reader.read(&m_cImage) || m_cImage.isNull())
+        return FolderMessages::unreadable(name);
+    const bool direct = hasColourRows(m_cImage) || m_cImage.format() == QImage::Format_Grayscale8;
+    const QImage image = direct ? m_cImage : m_cImage.convertToFormat(QImage::Format_RGB32);
+    return !image.isNull() && copyPixels(image, frame) ? QString() : FolderMessages::tooLarge(name);
+}
