@@ -60,9 +60,11 @@ public:
         return found ? found : insert(id);
     }
 
+    /// The record under id or null. Who looks for an identifier names it, so it becomes known even so.
     Record* find(int id) const
     {
         const std::lock_guard<std::mutex> lock(m_cMutex);
+        m_cIds.know(id);
         return m_map.value(id, nullptr);
     }
 
