@@ -1,0 +1,288 @@
+#include "diskPictures.h"
+
+#include <QSet>
+#include <QtTest>
+
+#include <limits>
+
+class TestMemoryDisk : public QObject
+{
+    Q_OBJECT
+
+    template <typename Kind>
+    static void addNumbered(MemoryDisk* disk, int number)
+    {
+        // 4 x 2 pixels: 24 bytes in colour, 8 in grey.
+        QVERIFY(Kind::add(disk, numberedBytes(24, number), 4, 2));
+    }
+
+    template <typename Kind>
+    static void seventhAdd(MemoryDisk* disk)
+    {
+        for (int number = 0; number < 6; ++number)
+            addNumbered<Kind>(disk, number);
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(!Kind::add(disk, numberedBytes(24, 6), 4, 2));
+        QVERIFY(clock.elapsed() >= 950);
+        QCOMPARE(Kind::prepared(disk), 6);
+        auto* oldest = Kind::request(disk);
+        QCOMPARE(int{Kind::pixels(oldest)[0]}, 0);
+        Kind::release(disk, oldest);
+        drain<Kind>(disk);
+    }
+
+    template <typename Kind>
+    static void emptyRequest(MemoryDisk* disk)
+    {
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(!Kind::request(disk));
+        QVERIFY(clock.elapsed() >= 950);
+        QCOMPARE(Kind::processing(disk), 0);
+        QCOMPARE(Kind::idle(disk), 6);
+    }
+
+    template <typename Kind>
+    static void order(MemoryDisk* disk)
+    {
+        for (int number : {11, 12, 13})
+            addNumbered<Kind>(disk, number);
+        for (int number : {11, 12, 13}) {
+            auto* slot = Kind::request(disk);
+            QCOMPARE(int{Kind::pixels(slot)[0]}, number);
+            Kind::release(disk, slot);
+        }
+    }
+
+    template <typename Kind>
+    static void circulation(MemoryDisk* disk)
+    {
+        addNumbered<Kind>(disk, 1);
+        QCOMPARE(Kind::idle(disk), 5);
+        QCOMPARE(Kind::prepared(disk), 1);
+        QCOMPARE(Kind::processing(disk), 0);
+        auto* slot = Kind::request(disk);
+        QCOMPARE(Kind::idle(disk), 5);
+        QCOMPARE(Kind::prepared(disk), 0);
+        QCOMPARE(Kind::processing(disk), 1);
+        Kind::release(disk, slot);
+        QCOMPARE(Kind::idle(disk), 6);
+        QCOMPARE(Kind::processing(disk), 0);
+    }
+
+    /// A slot given back is used again only after the five others.
+    template <typename Kind>
+    static void backOfIdleList(MemoryDisk* disk)
+    {
+        addNumbered<Kind>(disk, 0);
+        auto* first = Kind::request(disk);
+        Kind::release(disk, first);
+        QSet<void*> others;
+        for (int number = 0; number < 5; ++number) {
+            addNumbered<Kind>(disk, number);
+            auto* slot = Kind::request(disk);
+            QVERIFY(slot != first);
+            others.insert(slot);
+            Kind::release(disk, slot);
+        }
+        QCOMPARE(others.size(), 5);
+        addNumbered<Kind>(disk, 6);
+        auto* again = Kind::request(disk);
+        QCOMPARE(again, first);
+        Kind::release(disk, again);
+    }
+
+    template <typename Kind>
+    static void sameBuffers(MemoryDisk* disk)
+    {
+        QSet<const unsigned char*> buffers;
+        const QByteArray picture = numberedBytes(640 * 480 * 3, 0);
+        for (int round = 0; round < 60; ++round) {
+            QVERIFY(Kind::add(disk, picture, 640, 480));
+            auto* slot = Kind::request(disk);
+            buffers.insert(Kind::pixels(slot));
+            Kind::release(disk, slot);
+        }
+        QCOMPARE(buffers.size(), 6);
+    }
+
+    /// The buffers of the six slots in the order of their use.
+    template <typename Kind>
+    static QVector<const unsigned char*> buffersAfter(MemoryDisk* disk, int width, int height)
+    {
+        QVector<const unsigned char*> buffers;
+        const QByteArray picture = numberedBytes(width * height * 4, 0);
+        for (int i = 0; i < 6; ++i) {
+            Kind::add(disk, picture, width, height);
+            auto* slot = Kind::request(disk);
+            buffers.append(Kind::pixels(slot));
+            Kind::release(disk, slot);
+        }
+        return buffers;
+    }
+
+    template <typename Kind>
+    static void keepsLargeBuffer(MemoryDisk* disk)
+    {
+        const auto large = buffersAfter<Kind>(disk, 700, 500);
+        QCOMPARE(buffersAfter<Kind>(disk, 3, 2), large);
+        QCOMPARE(buffersAfter<Kind>(disk, 700, 500), large);
+        QVERIFY(buffersAfter<Kind>(disk, 1400, 1000) != large);
+    }
+
+    template <typename Kind>
+    static void refusesNoPicture(MemoryDisk* disk)
+    {
+        const int huge = std::numeric_limits<int>::max();
+        QElapsedTimer clock;
+        clock.start();
+        const QVector<QPair<int, int>> sizes = {{0, 5},       {5, 0},    {-1, 5},       {5, -1},
+                                                {huge, huge}, {huge, 1}, {65536, 65536}};
+        for (const auto& size : sizes) {
+            if (size.second == 1 && std::is_same_v<Kind, GreyKind>)
+                continue;  // 2147483647 bytes are a grey picture, if a large one.
+            QVERIFY(!Kind::add(disk, numberedBytes(24, 0), size.first, size.second));
+        }
+        QVERIFY(clock.elapsed() < 900);
+        QCOMPARE(Kind::idle(disk), 6);
+        QCOMPARE(Kind::prepared(disk), 0);
+        addNumbered<Kind>(disk, 1);
+        drain<Kind>(disk);
+    }
+
+    template <typename Kind>
+    static void exactBytes(MemoryDisk* disk, int width, int height, int bytes)
+    {
+        const QByteArray picture = numberedBytes(bytes, 3);
+        QVERIFY(Kind::add(disk, picture, width, height));
+        auto* slot = Kind::request(disk);
+        QCOMPARE(slot->getWidth(), width);
+        QCOMPARE(slot->getHeight(), height);
+        QCOMPARE(QByteArray(reinterpret_cast<const char*>(Kind::pixels(slot)), bytes), picture);
+        Kind::release(disk, slot);
+    }
+
+private slots:
+    void cleanup()
+    {
+        for (int index = 0; index < 6; ++index) {
+            drain<ColourKind>(MemoryDisk::getInstance(index));
+            drain<GreyKind>(MemoryDisk::getInstance(index));
+        }
+    }
+
+    void newDisksHaveSixIdleSlotsOfEachKind()
+    {
+        for (int index = 0; index < 6; ++index) {
+            MemoryDisk* disk = MemoryDisk::getInstance(index);
+            QCOMPARE(disk->getDIBBuffNum(), 6);
+            QCOMPARE(disk->getGray8BuffNum(), 6);
+            QCOMPARE(disk->getDIBIdleNum(), 6);
+            QCOMPARE(disk->getGray8IdleNum(), 6);
+            QCOMPARE(disk->getDIBPreparedNum() + disk->getGray8PreparedNum(), 0);
+            QCOMPARE(disk->getDIBProcessingNum() + disk->getGray8ProcessingNum(), 0);
+        }
+    }
+
+    void indexOutOfRangeGivesTheNearestDisk()
+    {
+        QCOMPARE(MemoryDisk::getInstance(-3), &MemoryDisk::s_acMemDisk[0]);
+        QCOMPARE(MemoryDisk::getInstance(-1), &MemoryDisk::s_acMemDisk[0]);
+        QCOMPARE(MemoryDisk::getInstance(9), &MemoryDisk::s_acMemDisk[5]);
+        QCOMPARE(MemoryDisk::getInstance(6), &MemoryDisk::s_acMemDisk[5]);
+        for (int index = 0; index < 6; ++index)
+            QCOMPARE(MemoryDisk::getInstance(index), &MemoryDisk::s_acMemDisk[static_cast<std::size_t>(index)]);
+    }
+
+    void fullDiskRefusesAfterOneSecondAndKeepsTheOldest()
+    {
+        seventhAdd<ColourKind>(MemoryDisk::getInstance(0));
+        seventhAdd<GreyKind>(MemoryDisk::getInstance(0));
+    }
+
+    void emptyDiskAnswersNullAfterOneSecond()
+    {
+        emptyRequest<ColourKind>(MemoryDisk::getInstance(1));
+        emptyRequest<GreyKind>(MemoryDisk::getInstance(1));
+    }
+
+    void picturesComeOutInTheOrderTheyWentIn()
+    {
+        order<ColourKind>(MemoryDisk::getInstance(2));
+        order<GreyKind>(MemoryDisk::getInstance(2));
+    }
+
+    void slotsGoFromIdleToPreparedToProcessingToIdle()
+    {
+        circulation<ColourKind>(MemoryDisk::getInstance(2));
+        circulation<GreyKind>(MemoryDisk::getInstance(2));
+    }
+
+    void releasedSlotGoesToTheBackOfTheIdleList()
+    {
+        backOfIdleList<ColourKind>(MemoryDisk::getInstance(2));
+        backOfIdleList<GreyKind>(MemoryDisk::getInstance(2));
+    }
+
+    void colourRowsArePaddedAndGreyRowsAreNot()
+    {
+        MemoryDisk* disk = MemoryDisk::getInstance(3);
+        exactBytes<ColourKind>(disk, 100, 50, 15000);
+        exactBytes<ColourKind>(disk, 101, 50, 15200);
+        exactBytes<ColourKind>(disk, 1, 1, 4);
+        exactBytes<GreyKind>(disk, 101, 50, 5050);
+        exactBytes<GreyKind>(disk, 1, 1, 1);
+    }
+
+    void steadyStreamAllocatesNothingAfterTheFirstSix()
+    {
+        sameBuffers<ColourKind>(MemoryDisk::getInstance(3));
+        sameBuffers<GreyKind>(MemoryDisk::getInstance(3));
+    }
+
+    void smallerPictureKeepsTheLargeBuffer()
+    {
+        keepsLargeBuffer<ColourKind>(MemoryDisk::getInstance(4));
+        keepsLargeBuffer<GreyKind>(MemoryDisk::getInstance(4));
+    }
+
+    void sizesThatNoPictureHasAreRefusedAtOnceAndTakeNoSlot()
+    {
+        refusesNoPicture<ColourKind>(MemoryDisk::getInstance(4));
+        refusesNoPicture<GreyKind>(MemoryDisk::getInstance(4));
+    }
+
+    void nullDataIsRefusedAndTakesNoSlot()
+    {
+        MemoryDisk* disk = MemoryDisk::getInstance(4);
+        QVERIFY(!disk->addDIB(nullptr, 4, 2));
+        QVERIFY(!disk->addGray8(nullptr, 4, 2));
+        QCOMPARE(disk->getDIBIdleNum(), 6);
+        QCOMPARE(disk->getGray8IdleNum(), 6);
+    }
+
+    void colourAndGreyPoolsAndDisksAreIndependent()
+    {
+        MemoryDisk* disk = MemoryDisk::getInstance(5);
+        addNumbered<ColourKind>(disk, 1);
+        QCOMPARE(disk->getGray8IdleNum(), 6);
+        QCOMPARE(MemoryDisk::getInstance(4)->getDIBIdleNum(), 6);
+        addNumbered<GreyKind>(disk, 2);
+        QCOMPARE(disk->getDIBPreparedNum(), 1);
+        QCOMPARE(disk->getGray8PreparedNum(), 1);
+    }
+
+    void slotThatAReaderHoldsOutlivesItsDisk()
+    {
+        auto disk = std::make_unique<MemoryDisk>();
+        QVERIFY(ColourKind::add(disk.get(), numberedBytes(24, 7), 4, 2));
+        QVERIFY(ColourKind::add(disk.get(), numberedBytes(24, 8), 4, 2));
+        const MemoryDisk::DIB* held = disk->requestDIB();
+        disk.reset();
+        QCOMPARE(int{held->getDIB()[0]}, 7);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestMemoryDisk)
+#include "testMemoryDisk.moc"
