@@ -3,7 +3,7 @@
 #   cmake --install BUILD_FOLDER --component kit --prefix KIT_FOLDER
 #
 # Layout: the store library in lib/, its headers in include/lumivant/paramStore/, the C interfaces in include/lumivant/,
-# the CMake package in lib/cmake/LumivantKit/, projects to copy in share/lumivant/templates/.
+# the CMake package in lib/cmake/LumivantKit/, the guide and projects to copy in share/lumivant/.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -28,6 +28,8 @@ install(FILES
     "${PROJECT_SOURCE_DIR}/sdk/include/lumivant/algorithm.h"
     "${PROJECT_SOURCE_DIR}/sdk/include/lumivant/dataSource.h"
     DESTINATION "${kit_include_dir}" COMPONENT kit)
+install(FILES "${PROJECT_SOURCE_DIR}/docs/plugins.md"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/lumivant" COMPONENT kit)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/sdk/templates"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/lumivant" COMPONENT kit)
 

@@ -12,7 +12,7 @@ set(expected
     algorithm.h dataSource.h
     libArithmParamMgr.so libArithmParamMgr.so.1 libArithmParamMgr.so.1.0.0
     LumivantKitConfig.cmake LumivantKitConfigVersion.cmake LumivantKitTargets.cmake LumivantKitPlugin.cmake
-    invertGray.cpp grayRamp.cpp)
+    plugins.md invertGray.cpp grayRamp.cpp)
 file(GLOB_RECURSE installed "${KIT}/*")
 list(TRANSFORM installed REPLACE ".*/" "" OUTPUT_VARIABLE names)
 foreach(name IN LISTS expected)

@@ -38,6 +38,14 @@ struct Algorithm
     char* (*execute)(char*, ArithmParamMgr*) = nullptr;
 };
 
+/// A picture that a source handed out.
+struct Shot
+{
+    const unsigned char* pixels = nullptr;  // Not owned.
+    int width = 0;
+    int height = 0;
+};
+
 /// The entry points of the data source template.
 struct Source
 {
@@ -59,6 +67,15 @@ struct Source
     }
 
     void configure(int instance, QByteArray config) const { setConfig(instance, config.data()); }
+
+    /// Asks until a picture comes, as a task does.
+    Shot nextPicture(int instance, const char* type) const
+    {
+        Shot shot;
+        while (!shot.pixels)
+            shot.pixels = requestPicture(instance, type, &shot.width, &shot.height);
+        return shot;
+    }
 
     QLibrary library;
     const char* (*getDataSourceName)() = nullptr;
@@ -87,6 +104,7 @@ private slots:
     void algorithmSaysWhoItIs();
     void configuringMakesTheOutputRecord();
     void configuringAgainKeepsTheOutputRecord();
+    void configuringNeverWritesOntoTheInput();
     void configuringWithoutPicturesGivesNoOption();
     void executeInvertsThePicture();
     void executeSaysWhatIsMissing();
@@ -141,6 +159,16 @@ void KitTemplatesTest::configuringAgainKeepsTheOutputRecord()
     QCOMPARE(kept, QByteArray("<InputID>4</InputID><OutputID>9</OutputID>"));
 }
 
+void KitTemplatesTest::configuringNeverWritesOntoTheInput()
+{
+    m_pcStore->getParamGray8(4);
+    QByteArray option("<InputID>4</InputID><OutputID>4</OutputID>");
+
+    const QByteArray kept = m_cAlgorithm.showConfigWindow(option.data(), m_pcStore, true);
+
+    QCOMPARE(kept, QByteArray("<InputID>4</InputID><OutputID>1</OutputID>"));
+}
+
 void KitTemplatesTest::configuringWithoutPicturesGivesNoOption()
 {
     QByteArray option("");
@@ -160,6 +188,7 @@ void KitTemplatesTest::executeInvertsThePicture()
     QVERIFY(output);
     QCOMPARE(output->getWidth(), 3);
     QCOMPARE(output->getHeight(), 2);
+    QCOMPARE(output->getName(), QStringLiteral("灰度取反"));
     QCOMPARE(QByteArray(reinterpret_cast<const char*>(output->getGray8()), 6),
              QByteArray("\xff\xfe\x80\x7f\x01\x00", 6));
 }
@@ -220,18 +249,14 @@ void KitTemplatesTest::rampMovesOnePixelWithEveryPicture()
 {
     m_cSource.configure(1, "<Width>300</Width><Height>2</Height>");
     m_cSource.start(1);
-    int width = 0;
-    int height = 0;
 
     for (int shift = 0; shift < 3; ++shift) {
-        const unsigned char* pixels = nullptr;
-        while (!pixels)
-            pixels = m_cSource.requestPicture(1, "Gray8", &width, &height);
-        QCOMPARE(width, 300);
-        QCOMPARE(height, 2);
-        QCOMPARE(int(pixels[0]), shift);
-        QCOMPARE(int(pixels[255]), (255 + shift) % 256);
-        QCOMPARE(int(pixels[300]), shift);
+        const Shot shot = m_cSource.nextPicture(1, "Gray8");
+        QCOMPARE(shot.width, 300);
+        QCOMPARE(shot.height, 2);
+        QCOMPARE(int(shot.pixels[0]), shift);
+        QCOMPARE(int(shot.pixels[255]), (255 + shift) % 256);
+        QCOMPARE(int(shot.pixels[300]), shift);
         m_cSource.releasePicture(1);
     }
     QCOMPARE(QByteArray(m_cSource.getLastError(1)), QByteArray());
@@ -243,18 +268,14 @@ void KitTemplatesTest::colourRowsArePadded()
 {
     m_cSource.configure(1, "<Width>5</Width><Height>2</Height>");
     m_cSource.start(1);
-    int width = 0;
-    int height = 0;
 
-    const unsigned char* pixels = nullptr;
-    while (!pixels)
-        pixels = m_cSource.requestPicture(1, "RGB", &width, &height);
+    const Shot shot = m_cSource.nextPicture(1, "RGB");
 
-    QCOMPARE(width, 5);
-    QCOMPARE(height, 2);
+    QCOMPARE(shot.width, 5);
+    QCOMPARE(shot.height, 2);
     for (int x = 0; x < 5; ++x) {
-        QCOMPARE(int(pixels[x * 3]), x);
-        QCOMPARE(int(pixels[16 + x * 3 + 2]), x);
+        QCOMPARE(int(shot.pixels[x * 3]), x);
+        QCOMPARE(int(shot.pixels[16 + x * 3 + 2]), x);
     }
     m_cSource.removeInstance(1);
 }
@@ -263,14 +284,11 @@ void KitTemplatesTest::configSurroundedByLineFeedsIsRead()
 {
     m_cSource.configure(1, "\n<Width>12</Width><Height>3</Height>\n");
     m_cSource.start(1);
-    int width = 0;
-    int height = 0;
 
-    while (!m_cSource.requestPicture(1, "Gray8", &width, &height)) {
-    }
+    const Shot shot = m_cSource.nextPicture(1, "Gray8");
 
-    QCOMPARE(width, 12);
-    QCOMPARE(height, 3);
+    QCOMPARE(shot.width, 12);
+    QCOMPARE(shot.height, 3);
     m_cSource.removeInstance(1);
 }
 
@@ -280,14 +298,8 @@ void KitTemplatesTest::instancesAreIndependent()
     m_cSource.configure(2, "<Width>20</Width><Height>1</Height>");
     const auto widths = [this](int instance, int* wrong) {
         m_cSource.start(instance);
-        for (int pictures = 0; pictures < 3;) {
-            int width = 0;
-            int height = 0;
-            if (!m_cSource.requestPicture(instance, "Gray8", &width, &height))
-                continue;
-            *wrong += width == instance * 10 ? 0 : 1;
-            ++pictures;
-        }
+        for (int pictures = 0; pictures < 3; ++pictures)
+            *wrong += m_cSource.nextPicture(instance, "Gray8").width == instance * 10 ? 0 : 1;
         m_cSource.stop(instance);
     };
     int wrongOfOne = 0;

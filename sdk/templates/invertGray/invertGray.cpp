@@ -1,8 +1,8 @@
 // A complete algorithm to copy: makes the negative of an 8-bit grey picture.
 //
 // Option text: "<InputID>3</InputID><OutputID>4</OutputID>", the numbers of two records of the task's store.
-#include <lumivant/algorithm.h>
 #include <arithmParamMgr.h>
+#include <lumivant/algorithm.h>
 #include <pictureLayout.h>
 
 #include <cstdint>
@@ -33,6 +33,14 @@ std::string writeOption(int inputID, int outputID)
     return "<InputID>" + std::to_string(inputID) + "</InputID><OutputID>" + std::to_string(outputID) + "</OutputID>";
 }
 
+/// The output record, named: the workbench empties the store from time to time, and names go with it.
+ParamGray8* makeOutput(ArithmParamMgr* store, int id)
+{
+    ParamGray8* output = store->getParamGray8(id);
+    output->setName(QStringLiteral("灰度取反"));
+    return output;
+}
+
 /// Null unless the task has an 8-bit grey picture by now.
 ParamGray8* firstGray8(ArithmParamMgr* store)
 {
@@ -57,19 +65,17 @@ const char* getArithmName()
     return "灰度取反";
 }
 
-// A real plug-in shows a dialog here. This one takes the first grey picture as its input and makes an output record
-// once; it makes it now, not in the first pass, so that the steps after this one can be configured with it.
+// A real plug-in shows a dialog here. This one takes the first grey picture as its input. A new step makes its output
+// record here, because the option text must name it; a step that has one keeps it, since later steps refer to it.
 char* showConfigWindow(char* option, ArithmParamMgr* store, bool)
 {
     const ParamGray8* input = firstGray8(store);
     if (!input)
         return keepText("");
     const int inputID = input->getID();
-    ParamGray8* output = store->getParamGray8(readID(option, "OutputID"));
-    if (output == input)
-        output = store->getParamGray8(-1);
-    output->setName(QStringLiteral("灰度取反"));
-    return keepText(writeOption(inputID, output->getID()));
+    const int outputID = readID(option, "OutputID");
+    const bool usable = outputID != inputID;
+    return keepText(writeOption(inputID, makeOutput(store, usable ? outputID : -1)->getID()));
 }
 
 char* execute(char* option, ArithmParamMgr* store)
@@ -81,7 +87,7 @@ char* execute(char* option, ArithmParamMgr* store)
     const int outputID = readID(option, "OutputID");
     if (outputID < 1)
         return keepText("没有输出图像.");
-    ParamGray8* output = store->getParamGray8(outputID);
+    ParamGray8* output = makeOutput(store, outputID);
     output->resize(input->getWidth(), input->getHeight());
     if (output->getWidth() != input->getWidth())
         return keepText("内存不足.");
