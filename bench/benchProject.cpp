@@ -33,7 +33,7 @@ void writeProject(benchmark::State& state)
 {
     TaskMgr::getInstance()->fromString(projectOf(static_cast<int>(state.range(0))));
     for (auto _ : state)
-        benchmark::DoNotOptimize(collapseEmptyLines(TaskMgr::getInstance()->toString()).toUtf8());
+        benchmark::DoNotOptimize(ProjectText::collapseEmptyLines(TaskMgr::getInstance()->toString()).toUtf8());
     TaskMgr::getInstance()->clear();
 }
 
