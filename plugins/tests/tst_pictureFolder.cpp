@@ -1,0 +1,487 @@
+#include "packLibraries.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <thread>
+
+/// The data source "Picture Folder" through its C interface, on files that the tests write.
+class TestPictureFolder : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void isCalledPictureFolder();
+    void deliversEveryFormat_data();
+    void deliversEveryFormat();
+    void redObjectHasBlueGreenRedBytesAndPaddedRows();
+    void grayPicturesHaveOneByteAPixel();
+    void transparentAndIndexedPicturesAreDelivered();
+    void playsInNaturalOrderOfNames();
+    void otherFilesAndFoldersAreIgnored();
+    void loopStartsAgainAndSeesNewFiles();
+    void onceEndsAfterTheLastPicture();
+    void startAfterStopBeginsWithTheFirstPicture();
+    void typeMayChangeWhilePlaying();
+    void rateIsKept();
+    void missingFolderIsReportedAndLookedForAgain();
+    void noFolderChosenIsReported();
+    void emptyFolderIsReportedAndWaitsInsideTheRequest();
+    void unreadableFilesAreReportedAndSkipped_data();
+    void unreadableFilesAreReportedAndSkipped();
+    void folderOfUnreadableFilesNeverBurnsTheProcessor();
+    void hugeHeaderIsRefusedBeforeDecoding();
+    void relativeFolderFollowsTheWorkingDirectory();
+    void configurationWithLineFeedsIsAccepted();
+    void newFolderWhilePlayingIsPlayed();
+    void requestBeforeStartWaitsAndGivesNothing();
+    void stopWakesAWaitingRequest();
+    void steadyPlayingUsesItsBuffersAgain();
+    void instancesPlayApart();
+    void operationsInAnyOrderFromTwoThreadsAreSafe();
+    void removingAPlayingInstanceEndsIt();
+
+private:
+    /// Writes a picture of one colour.
+    void write(const QString& name, const QColor& colour, const QSize& size = QSize(5, 4),
+               QImage::Format format = QImage::Format_RGB32)
+    {
+        QImage image(size, format);
+        image.fill(colour);
+        QVERIFY2(image.save(m_pcDir->filePath(name)), qPrintable(name));
+    }
+
+    QString config(double rate = 0, bool loop = true) const
+    {
+        return QStringLiteral("<Folder>%1</Folder><Loop>%2</Loop><Rate>%3</Rate>")
+            .arg(m_pcDir->path())
+            .arg(loop ? 1 : 0)
+            .arg(rate);
+    }
+
+    /// The red values of the next pictures.
+    static QVector<int> nextReds(SourceInstance& source, int count)
+    {
+        QVector<int> reds;
+        for (int i = 0; i < count; ++i) {
+            const Picture picture = source.waitFor("RGB");
+            reds << (picture.isNull() ? -1 : picture.byteAt(2));
+        }
+        return reds;
+    }
+
+    const SourceLibrary m_cLibrary{QStringLiteral("pictureFolder")};
+    std::unique_ptr<QTemporaryDir> m_pcDir;
+};
+
+void TestPictureFolder::init()
+{
+    m_pcDir = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_pcDir->isValid());
+}
+
+void TestPictureFolder::cleanup()
+{
+    m_pcDir.reset();
+}
+
+void TestPictureFolder::isCalledPictureFolder()
+{
+    QCOMPARE(QByteArray(m_cLibrary.getDataSourceName()), QByteArray("Picture Folder"));
+}
+
+void TestPictureFolder::deliversEveryFormat_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"a.png", "a.PNG", "a.bmp", "a.Bmp", "a.jpg", "a.jpeg", "a.JPG", "a.tif", "a.tiff"})
+        QTest::newRow(name) << name;
+}
+
+void TestPictureFolder::deliversEveryFormat()
+{
+    QFETCH(QString, name);
+    write(name, QColor(200, 100, 50), QSize(17, 9));
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    const Picture picture = source.waitFor("RGB");
+    QCOMPARE(QSize(picture.width, picture.height), QSize(17, 9));
+    const int tolerance = name.contains(".jp", Qt::CaseInsensitive) ? 4 : 0;
+    QVERIFY(qAbs(picture.byteAt(0) - 50) <= tolerance);
+    QVERIFY(qAbs(picture.byteAt(1) - 100) <= tolerance);
+    QVERIFY(qAbs(picture.byteAt(2) - 200) <= tolerance);
+    QCOMPARE(source.lastError(), QString());
+}
+
+void TestPictureFolder::redObjectHasBlueGreenRedBytesAndPaddedRows()
+{
+    QImage image(5, 2, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    image.setPixelColor(4, 1, QColor(255, 0, 0));
+    QVERIFY(image.save(m_pcDir->filePath("a.png")));
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    const Picture picture = source.waitFor("RGB");
+    QCOMPARE(picture.bytes.size(), 2 * 16);
+    QByteArray expected(15, '\xff');
+    expected += '\0';
+    expected += QByteArray(12, '\xff') + QByteArray("\x00\x00\xff\x00", 4);
+    QCOMPARE(picture.bytes, expected);
+}
+
+void TestPictureFolder::grayPicturesHaveOneByteAPixel()
+{
+    QImage image(4, 1, QImage::Format_RGB32);
+    image.setPixelColor(0, 0, QColor(0, 0, 255));
+    image.setPixelColor(1, 0, QColor(0, 255, 0));
+    image.setPixelColor(2, 0, QColor(255, 0, 0));
+    image.setPixelColor(3, 0, QColor(77, 77, 77));
+    QVERIFY(image.save(m_pcDir->filePath("a.bmp")));
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    for (int i = 0; i < 5; ++i)
+        QCOMPARE(source.waitFor("Gray8").bytes, QByteArray("\x1d\x96\x4c\x4d", 4));
+}
+
+void TestPictureFolder::transparentAndIndexedPicturesAreDelivered()
+{
+    write("1.png", QColor(10, 20, 30, 128), QSize(3, 3), QImage::Format_ARGB32);
+    write("2.png", QColor(40, 40, 40), QSize(3, 3), QImage::Format_Grayscale8);
+    QImage indexed(3, 3, QImage::Format_Indexed8);
+    indexed.setColorTable({qRgb(70, 80, 90)});
+    indexed.fill(0);
+    QVERIFY(indexed.save(m_pcDir->filePath("3.png")));
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    QCOMPARE(nextReds(source, 3), (QVector<int>{10, 40, 70}));
+}
+
+void TestPictureFolder::playsInNaturalOrderOfNames()
+{
+    const QStringList ordered{"1.png", "2.bmp", "10.png", "A3.png", "a3.png", "a20.png", "b1.png"};
+    // Written in another order, so that the order of the folder itself does not help.
+    for (int i = ordered.size() - 1; i >= 0; --i)
+        write(ordered[i], QColor(10 + i, 0, 0));
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    QCOMPARE(nextReds(source, 7), (QVector<int>{10, 11, 12, 13, 14, 15, 16}));
+}
+
+void TestPictureFolder::otherFilesAndFoldersAreIgnored()
+{
+    write("1.png", QColor(1, 0, 0));
+    QVERIFY(QDir(m_pcDir->path()).mkdir("0.png"));
+    QFile text(m_pcDir->filePath("0.txt"));
+    QVERIFY(text.open(QIODevice::WriteOnly));
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    QCOMPARE(nextReds(source, 3), (QVector<int>{1, 1, 1}));
+    QCOMPARE(source.lastError(), QString());
+}
+
+void TestPictureFolder::loopStartsAgainAndSeesNewFiles()
+{
+    write("1.png", QColor(1, 0, 0));
+    write("2.png", QColor(2, 0, 0));
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    QCOMPARE(nextReds(source, 5), (QVector<int>{1, 2, 1, 2, 1}));
+    write("3.png", QColor(3, 0, 0));
+    int tries = 0;
+    while (nextReds(source, 1).first() != 3 && tries < 100)
+        ++tries;
+    QVERIFY(tries < 100);
+}
+
+void TestPictureFolder::onceEndsAfterTheLastPicture()
+{
+    write("1.png", QColor(1, 0, 0));
+    write("2.png", QColor(2, 0, 0));
+    SourceInstance source(m_cLibrary, config(0, false));
+    source.start();
+    QCOMPARE(nextReds(source, 2), (QVector<int>{1, 2}));
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(source.request("RGB").isNull());
+    QVERIFY(source.request("RGB").isNull());
+    QVERIFY(timer.elapsed() >= 380);
+    QCOMPARE(source.lastError(), QString());
+}
+
+void TestPictureFolder::startAfterStopBeginsWithTheFirstPicture()
+{
+    for (int i = 1; i <= 3; ++i)
+        write(QStringLiteral("%1.png").arg(i), QColor(i, 0, 0));
+    SourceInstance source(m_cLibrary, config(0, false));
+    for (int round = 0; round < 3; ++round) {
+        source.start();
+        QCOMPARE(nextReds(source, 2), (QVector<int>{1, 2}));
+        source.stop();
+    }
+}
+
+void TestPictureFolder::typeMayChangeWhilePlaying()
+{
+    write("1.png", QColor(255, 0, 0), QSize(4, 1));
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    for (int i = 0; i < 10; ++i) {
+        QCOMPARE(source.waitFor("Gray8").bytes, QByteArray(4, '\x4c'));
+        QCOMPARE(source.waitFor("RGB").bytes.left(3), QByteArray("\x00\x00\xff", 3));
+    }
+}
+
+void TestPictureFolder::rateIsKept()
+{
+    write("1.png", QColor(1, 0, 0));
+    SourceInstance source(m_cLibrary, config(20));
+    source.start();
+    QVERIFY(!source.waitFor().isNull());
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(nextReds(source, 5), QVector<int>(5, 1));
+    QVERIFY(timer.elapsed() >= 4 * 50);
+    // A slow rate: a request gives up after its longest wait instead of waiting for the picture.
+    source.setConfig(config(0.01));
+    QVERIFY(!source.waitFor().isNull());
+    timer.restart();
+    QVERIFY(source.request("RGB").isNull());
+    QVERIFY(timer.elapsed() >= 190);
+}
+
+void TestPictureFolder::missingFolderIsReportedAndLookedForAgain()
+{
+    const QString folder = m_pcDir->filePath("later");
+    SourceInstance source(m_cLibrary, QStringLiteral("<Folder>%1</Folder><Rate>0</Rate>").arg(folder));
+    source.start();
+    QVERIFY(source.request("RGB").isNull());
+    QTRY_COMPARE(source.lastError(), QStringLiteral("文件夹不存在: ") + folder);
+    QVERIFY(QDir().mkdir(folder));
+    write("later/1.png", QColor(9, 0, 0));
+    QCOMPARE(nextReds(source, 1), (QVector<int>{9}));
+}
+
+void TestPictureFolder::noFolderChosenIsReported()
+{
+    SourceInstance source(m_cLibrary, QString());
+    source.start();
+    QVERIFY(source.request("RGB").isNull());
+    QTRY_COMPARE(source.lastError(), QStringLiteral("没有选择图片文件夹."));
+}
+
+void TestPictureFolder::emptyFolderIsReportedAndWaitsInsideTheRequest()
+{
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(source.request("RGB").isNull());
+    QVERIFY(timer.elapsed() >= 570);
+    QTRY_COMPARE(source.lastError(), QStringLiteral("文件夹中没有图片: ") + m_pcDir->path());
+}
+
+void TestPictureFolder::unreadableFilesAreReportedAndSkipped_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("length");  // of the file that is left; -1: garbage
+    for (const char* name : {"2.png", "2.bmp", "2.jpg", "2.tif"}) {
+        QTest::addRow("%s, empty", name) << name << 0;
+        QTest::addRow("%s, cut in its header", name) << name << 12;
+        QTest::addRow("%s, garbage", name) << name << -1;
+    }
+    QTest::newRow("2.png, cut in its pixels") << "2.png" << 60;
+}
+
+void TestPictureFolder::unreadableFilesAreReportedAndSkipped()
+{
+    QFETCH(QString, name);
+    QFETCH(int, length);
+    write("1.png", QColor(1, 0, 0));
+    write("3.png", QColor(3, 0, 0));
+    write(name, QColor(2, 0, 0), QSize(64, 64));
+    QFile file(m_pcDir->filePath(name));
+    if (length >= 0) {
+        QVERIFY(file.resize(length));
+    } else {
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(QByteArray(500, 'x'));
+        file.close();
+    }
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    QCOMPARE(nextReds(source, 4), (QVector<int>{1, 3, 1, 3}));
+    QCOMPARE(source.lastError(), QStringLiteral("无法读取图片: ") + name);
+}
+
+void TestPictureFolder::folderOfUnreadableFilesNeverBurnsTheProcessor()
+{
+    QFile file(m_pcDir->filePath("1.png"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    const std::clock_t before = std::clock();
+    for (int i = 0; i < 5; ++i)
+        QVERIFY(source.request("RGB").isNull());
+    // A second of waiting; a busy loop would have used all of it.
+    QVERIFY(double(std::clock() - before) / CLOCKS_PER_SEC < 0.5);
+    QCOMPARE(source.lastError(), QStringLiteral("无法读取图片: 1.png"));
+}
+
+void TestPictureFolder::hugeHeaderIsRefusedBeforeDecoding()
+{
+    write("2.png", QColor(2, 0, 0));
+    // A bitmap of 10000 x 10000 pixels that has no pixels at all.
+    QByteArray header("BM\x36\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0", 18);
+    for (int i = 0; i < 2; ++i)
+        header += QByteArray("\x10\x27\0\0", 4);
+    header += QByteArray("\x01\0\x18\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 28);
+    QFile file(m_pcDir->filePath("1.bmp"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(header), qint64(54));
+    file.close();
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    QCOMPARE(nextReds(source, 2), (QVector<int>{2, 2}));
+    QCOMPARE(source.lastError(), QStringLiteral("图片太大: 1.bmp"));
+}
+
+void TestPictureFolder::relativeFolderFollowsTheWorkingDirectory()
+{
+    QVERIFY(QDir(m_pcDir->path()).mkdir("pictures"));
+    write("pictures/1.png", QColor(8, 0, 0));
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(m_pcDir->path()));
+    SourceInstance source(m_cLibrary, QStringLiteral("<Folder>pictures</Folder><Rate>0</Rate>"));
+    source.start();
+    const QVector<int> reds = nextReds(source, 2);
+    source.stop();
+    QVERIFY(QDir::setCurrent(before));
+    QCOMPARE(reds, (QVector<int>{8, 8}));
+}
+
+void TestPictureFolder::configurationWithLineFeedsIsAccepted()
+{
+    write("1.png", QColor(5, 0, 0));
+    SourceInstance source(m_cLibrary, QStringLiteral("\r\n") + config() + QStringLiteral("\n\n"));
+    source.start();
+    QCOMPARE(nextReds(source, 1), (QVector<int>{5}));
+}
+
+void TestPictureFolder::newFolderWhilePlayingIsPlayed()
+{
+    write("1.png", QColor(1, 0, 0));
+    QVERIFY(QDir(m_pcDir->path()).mkdir("b"));
+    write("b/1.png", QColor(2, 0, 0));
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    QCOMPARE(nextReds(source, 2), (QVector<int>{1, 1}));
+    source.setConfig(QStringLiteral("<Folder>%1/b</Folder><Rate>0</Rate>").arg(m_pcDir->path()));
+    QCOMPARE(nextReds(source, 2), (QVector<int>{2, 2}));
+}
+
+void TestPictureFolder::requestBeforeStartWaitsAndGivesNothing()
+{
+    write("1.png", QColor(1, 0, 0));
+    SourceInstance source(m_cLibrary, config());
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(source.request("RGB").isNull());
+    QVERIFY(timer.elapsed() >= 190);
+}
+
+void TestPictureFolder::stopWakesAWaitingRequest()
+{
+    SourceInstance source(m_cLibrary, config());  // an empty folder: the request finds nothing
+    qint64 shortest = 1000000;
+    for (int round = 0; round < 20; ++round) {
+        source.start();
+        QElapsedTimer timer;
+        timer.start();
+        Picture late;
+        std::thread waiting([&] { late = source.request("RGB"); });
+        QThread::msleep(20);
+        source.stop();
+        waiting.join();
+        QVERIFY(late.isNull());
+        shortest = qMin(shortest, timer.elapsed());
+    }
+    QVERIFY(shortest < 190);  // one that is not woken takes its whole 200 ms
+}
+
+void TestPictureFolder::steadyPlayingUsesItsBuffersAgain()
+{
+    for (int i = 1; i <= 3; ++i)
+        write(QStringLiteral("%1.bmp").arg(i), QColor(i, 0, 0), QSize(640, 480));
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    QSet<const void*> buffers;
+    for (int i = 0; i < 100; ++i) {
+        int width = 0, height = 0;
+        buffers.insert(m_cLibrary.requestPicture(source.number(), "RGB", &width, &height));
+        m_cLibrary.releasePicture(source.number());
+    }
+    buffers.remove(nullptr);
+    // Three wait, one is handed out, one is being decoded, two may be spare.
+    QVERIFY2(buffers.size() <= 7, qPrintable(QString::number(buffers.size())));
+}
+
+void TestPictureFolder::instancesPlayApart()
+{
+    write("1.png", QColor(1, 0, 0));
+    QVERIFY(QDir(m_pcDir->path()).mkdir("b"));
+    write("b/1.png", QColor(2, 0, 0));
+    SourceInstance first(m_cLibrary, config());
+    SourceInstance second(m_cLibrary, QStringLiteral("<Folder>%1/b</Folder><Rate>0</Rate>").arg(m_pcDir->path()));
+    first.start();
+    second.start();
+    QVector<int> reds;
+    std::thread other([&] { reds = nextReds(second, 50); });
+    QCOMPARE(nextReds(first, 50), QVector<int>(50, 1));
+    other.join();
+    QCOMPARE(reds, QVector<int>(50, 2));
+}
+
+void TestPictureFolder::operationsInAnyOrderFromTwoThreadsAreSafe()
+{
+    write("1.png", QColor(1, 0, 0));
+    SourceInstance source(m_cLibrary, config());
+    int delivered = 0;
+    std::thread requesting([&] {
+        for (int i = 0; i < 100; ++i)
+            delivered += source.request("RGB").isNull() ? 0 : 1;
+    });
+    for (int i = 0; i < 30; ++i) {
+        source.start();
+        source.setConfig(config(i % 2 ? 0 : 500));
+        source.lastError();
+        source.stop();
+        source.stop();
+        source.start();
+    }
+    requesting.join();
+    QVERIFY(delivered > 0);
+}
+
+void TestPictureFolder::removingAPlayingInstanceEndsIt()
+{
+    write("1.png", QColor(1, 0, 0));
+    int number = 0;
+    {
+        SourceInstance source(m_cLibrary, config());
+        number = source.number();
+        source.start();
+        QCOMPARE(nextReds(source, 1), (QVector<int>{1}));
+    }
+    int width = 0, height = 0;
+    QVERIFY(!m_cLibrary.requestPicture(number, "RGB", &width, &height));
+}
+
+QTEST_GUILESS_MAIN(TestPictureFolder)
+#include "tst_pictureFolder.moc"
