@@ -22,8 +22,9 @@ QString ArithmParam::getName() const
 
 void ArithmParam::setName(const QString& name)
 {
+    QString text = name;  // Becomes the old text, which dies after the lock is released.
     const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
-    m_pcData->m_strName = name;
+    m_pcData->m_strName.swap(text);
 }
 
 QString ArithmParam::getDescribe() const
@@ -34,6 +35,7 @@ QString ArithmParam::getDescribe() const
 
 void ArithmParam::setDescribe(const QString& describe)
 {
+    QString text = describe;  // Becomes the old text, which dies after the lock is released.
     const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
-    m_pcData->m_strDescribe = describe;
+    m_pcData->m_strDescribe.swap(text);
 }
