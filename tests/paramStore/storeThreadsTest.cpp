@@ -96,10 +96,12 @@ int lengthOf(int value)
     return 1 + value % 40;
 }
 
-/// Whether a snapshot is exactly one of the lists that the writer puts in place.
+/// Whether a snapshot is exactly one of the lists that the writer puts in place; none of them is empty.
 template <typename Element>
 bool isUniform(const QVector<Element>& elements)
 {
+    if (elements.isEmpty())
+        return false;
     for (int value = elements.size() - 1; value < Rounds; value += 40) {
         const auto isValue = [value](const Element& each) { return holds(each, value); };
         if (holds(elements.first(), value))
