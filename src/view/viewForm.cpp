@@ -34,6 +34,15 @@ int covered(int pixelNum, float scale)
     return ViewScale::toPicture(pixelNum, 0, scale);
 }
 
+/// The outline whose opposite corners are the two points; a single pixel, too, which QPainter::drawRect leaves out.
+void drawOutline(QPainter& painter, QPoint start, QPoint end)
+{
+    painter.drawLine(start.x(), start.y(), end.x(), start.y());
+    painter.drawLine(end.x(), start.y(), end.x(), end.y());
+    painter.drawLine(end.x(), end.y(), start.x(), end.y());
+    painter.drawLine(start.x(), end.y(), start.x(), start.y());
+}
+
 }  // namespace
 
 std::array<ViewForm*, ViewForm::ViewNum> ViewForm::s_apcViewForms{};
@@ -129,7 +138,7 @@ void ViewForm::paintDragRectangle(QPainter& painter) const
     const int height = covered(m_nEndY - m_nStartY + 1, entry.m_fScaleY);
     painter.save();
     painter.setPen(Qt::red);
-    painter.drawRect(m_nStartX, m_nStartY, m_nEndX - m_nStartX, m_nEndY - m_nStartY);
+    drawOutline(painter, {m_nStartX, m_nStartY}, {m_nEndX, m_nEndY});
     painter.drawText(50, 20, QString::asprintf("x=%d, y=%d", x, y));
     painter.drawText(50, 40, QString::asprintf("w=%d, h=%d", width, height));
     painter.restore();
