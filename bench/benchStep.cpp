@@ -16,8 +16,9 @@ std::unique_ptr<TaskInfo> taskWithSteps(int steps, int optionLength)
         "<-DataSource->\n<DSName>Bench Still</DSName><OutputName>p</OutputName><OutputDescribe></OutputDescribe>"
         "<OutputType>Gray8</OutputType><OutputID>1</OutputID><Config>8x8</Config>\n</-DataSource->\n");
     for (int i = 0; i < steps; ++i)
-        text += QStringLiteral("<-TaskItem-><-MaxExeTimes->-1</-MaxExeTimes-><-ArithmID->BENCH_Noop</-ArithmID->"
-                               "<-OptionStr->%1</-OptionStr-></-TaskItem->")
+        text += QStringLiteral(
+                    "<-TaskItem-><-MaxExeTimes->-1</-MaxExeTimes-><-ArithmID->BENCH_Noop</-ArithmID->"
+                    "<-OptionStr->%1</-OptionStr-></-TaskItem->")
                     .arg(QString(optionLength, QLatin1Char('x')));
     task->fromString(text);
     return task;

@@ -13,13 +13,13 @@ class OptionReader
 public:
     explicit OptionReader(const QString& text);
 
-    QString text(const char* tag) const;              ///< The body; empty when the element is absent.
-    OptionReader nested(const char* tag) const;       ///< A reader on the body of an element.
+    QString text(const char* tag) const;         ///< The body; empty when the element is absent.
+    OptionReader nested(const char* tag) const;  ///< A reader on the body of an element.
     bool isEmpty() const { return m_strText.isEmpty(); }
 
-    int numberOrZero(const char* tag) const;                     ///< Zero when absent or malformed.
-    std::optional<int> number(const char* tag) const;            ///< Nothing when absent or malformed.
-    void numberInto(int& value, const char* tag) const;          ///< Leaves value alone when absent or malformed.
+    int numberOrZero(const char* tag) const;             ///< Zero when absent or malformed.
+    std::optional<int> number(const char* tag) const;    ///< Nothing when absent or malformed.
+    void numberInto(int& value, const char* tag) const;  ///< Leaves value alone when absent or malformed.
 
 private:
     QString m_strText;

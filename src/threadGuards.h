@@ -10,11 +10,11 @@
  * that a real race is reported and a correct program is not. All locking of QMutex and QSemaphore goes through here.
  */
 #if defined(__SANITIZE_THREAD__)
-#    define LUMIVANT_TSAN 1
+#define LUMIVANT_TSAN 1
 #elif defined(__has_feature)
-#    if __has_feature(thread_sanitizer)
-#        define LUMIVANT_TSAN 1
-#    endif
+#if __has_feature(thread_sanitizer)
+#define LUMIVANT_TSAN 1
+#endif
 #endif
 
 #if defined(LUMIVANT_TSAN)

@@ -21,7 +21,7 @@ DISPLAY_PACKAGES=(x11-utils)
 HEADLESS_PACKAGES=(xvfb xauth xdotool imagemagick x11-utils)
 
 # To run the tests and the checks beside them.
-TEST_PACKAGES=(clang-format-14)
+TEST_PACKAGES=(git clang-format-14)
 
 # To measure speed.
 BENCH_PACKAGES=(libbenchmark-dev)
