@@ -7,16 +7,15 @@
 #include <QImage>
 
 #include <cstring>
+#include <utility>
 
 namespace {
-
-constexpr QRgb Opaque = 0xFF000000;
 
 QRgb maskColor(int code)
 {
     switch (code) {
     case 0:
-        return Opaque;
+        return 0xFF000000;
     case 1:
         return 0xFFFFFFFF;
     case 2:
@@ -55,9 +54,10 @@ void Drawing::DIBDrawingOpt::draw(QImage* canvas, ArithmParamMgr* store)
     if (!canvas || !store || !hasPixels())
         return;
     clearCanvas(*canvas);
+    // The painter exchanges the bytes while it samples: cheaper than a pass over the whole picture before.
+    m_bExchanged = !m_bExchanged;
     const QImage picture(pixels(), width(), height(), static_cast<int>(PictureLayout::colourStride(width())),
-                         QImage::Format_RGB888);
-    PictureLayout::exchangeFirstAndThird(pixels(), width(), height());
+                         m_bExchanged ? QImage::Format_BGR888 : QImage::Format_RGB888);
     // Kept on purpose: scaled to the window, a colour picture notes integer quotients and a grey one exact ones.
     place(*canvas, picture, WindowQuotients::Integer);
 }
@@ -89,21 +89,12 @@ void Drawing::Gray8DrawingOpt::draw(QImage* canvas, ArithmParamMgr* store)
 void Drawing::Gray8DrawingOpt::drawNormal(QImage& canvas) const
 {
     clearCanvas(canvas);
-    const PooledPixels memory(PictureLayout::colourBytes(width(), height()));
-    if (!memory.data())
-        return;
-    const auto stride = static_cast<std::size_t>(PictureLayout::colourStride(width()));
-    const unsigned char* grey = pixels();
-    unsigned char* target = nullptr;
-    for (int y = 0; y < height(); ++y) {
-        target = memory.data() + stride * static_cast<std::size_t>(y);
-        for (int x = 0; x < width(); ++x, ++grey, target += 3)
-            target[0] = target[1] = target[2] = *grey;
-    }
-    // Kept on purpose: the last pixel of the last row is not copied; it stays black.
-    std::memset(target - 3, 0, 3);
-    const QImage picture(memory.data(), width(), height(), static_cast<int>(stride), QImage::Format_RGB888);
+    // Kept on purpose: the last pixel of the last row is not shown; it is black.
+    unsigned char& lastPixel = pixels()[PictureLayout::gray8Bytes(width(), height()) - 1];
+    const unsigned char value = std::exchange(lastPixel, static_cast<unsigned char>(0));
+    const QImage picture(pixels(), width(), height(), width(), QImage::Format_Grayscale8);
     place(canvas, picture, WindowQuotients::Exact);
+    lastPixel = value;
 }
 
 void Drawing::Gray8DrawingOpt::drawThrough(const ColorTable& table, QImage& canvas) const
@@ -112,6 +103,7 @@ void Drawing::Gray8DrawingOpt::drawThrough(const ColorTable& table, QImage& canv
     const std::int64_t byteNum = pixelNum * std::int64_t{sizeof(QRgb)};
     if (byteNum > PictureLayout::MaxBytes)
         return;
+    // Coloured here rather than by the painter, which is several times slower with a colour table.
     const PooledPixels memory(byteNum);
     if (!memory.data())
         return;
@@ -119,7 +111,8 @@ void Drawing::Gray8DrawingOpt::drawThrough(const ColorTable& table, QImage& canv
     auto* target = reinterpret_cast<QRgb*>(memory.data());
     for (std::int64_t i = 0; i < pixelNum; ++i)
         target[i] = table[grey[i]];
-    const QImage picture(memory.data(), width(), height(), QImage::Format_ARGB32);
+    // Every colour is opaque or nothing at all, so it is its own premultiplied form.
+    const QImage picture(memory.data(), width(), height(), QImage::Format_ARGB32_Premultiplied);
     place(canvas, picture, WindowQuotients::Exact);
 }
 
@@ -127,7 +120,7 @@ Drawing::Gray8DrawingOpt::ColorTable Drawing::Gray8DrawingOpt::overlayTable() co
 {
     ColorTable table{};  // 0 stays transparent
     for (QRgb value = 1; value < table.size(); ++value)
-        table[value] = getLapped() != 0 ? grayPalette()[value] : Opaque | value << 16 | value << 8 | value;
+        table[value] = getLapped() != 0 ? grayPalette()[value] : 0xFF000000 | value << 16 | value << 8 | value;
     return table;
 }
 

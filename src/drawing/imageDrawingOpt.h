@@ -45,8 +45,11 @@ class Drawing::DIBDrawingOpt : public Drawing::ImageDrawingOpt
 public:
     DIBDrawingOpt(int dataId, unsigned char* pixels, int width, int height);
 
-    /// Turns its own pixels from blue-green-red to red-green-blue, so an option is meant to be drawn once.
+    /// Every draw exchanges the first and third byte of the pixels once more, so an option is meant to be drawn once.
     void draw(QImage* canvas, ArithmParamMgr* store) override;
+
+private:
+    bool m_bExchanged = false;  ///< Whether the last draw took the pixels for blue, green, red.
 };
 
 /// What the two grey kinds share: how their values become colours.
