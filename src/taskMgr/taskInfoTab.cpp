@@ -64,6 +64,7 @@ void TaskInfo::addSelectDataSourceButton(QObject* button)
 void TaskInfo::addTaskFlowListWidget(QObject* table)
 {
     m_pcFlowTable = table;
+    m_pcSelectedItem = nullptr;
 }
 
 void TaskInfo::addViewSelectCombo(QObject* combo)
@@ -155,8 +156,10 @@ void TaskInfo::showRemovedStep(int row)
     QTableWidget* table = flowTable();
     if (!table)
         return;
-    if (m_pcSelectedItem && m_pcSelectedItem == table->item(row, table->column(m_pcSelectedItem)))
-        m_pcSelectedItem = nullptr;
+    for (int column = 0; column < table->columnCount(); ++column) {
+        if (m_pcSelectedItem == table->item(row, column))
+            m_pcSelectedItem = nullptr;
+    }
     table->removeRow(row);
 }
 
