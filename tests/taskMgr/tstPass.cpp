@@ -1,1 +1,807 @@
-int main() {}
+#include "globalFunction.h"
+#include "paramStore/arithmParamMgr.h"
+#include "taskMgr/resultCommand.h"
+#include "taskMgr/taskMgr.h"
+#include "taskTestSupport.h"
+
+#include <QRegularExpression>
+#include <QtTest>
+
+namespace {
+
+const char* const TimeOutText =
+    "Execute time out, there is a infinite loop or have a long waiting event, continue to "
+    "wait?.";
+
+/// One pass over all steps, as a task's thread makes it.
+bool pass(TaskInfo& task, QString& message)
+{
+    return task.runOnce(message, false, -1, -1);
+}
+
+bool pass(TaskInfo& task)
+{
+    QString message;
+    return pass(task, message);
+}
+
+TaskItem step(const char* name, const char* result = "", int maxExeTimes = -1)
+{
+    return probeStep(QString::fromUtf8(name), QString::fromUtf8(result), maxExeTimes);
+}
+
+QList<TaskItem> steps(const QString& names)
+{
+    QList<TaskItem> list;
+    for (const QChar name : names)
+        list += probeStep(QString(name));
+    return list;
+}
+
+TaskItem drawingStep(const char* option, int maxExeTimes = -1)
+{
+    TaskItem item;
+    item.m_nMaxExeTimes = maxExeTimes;
+    item.m_strArithmID = QStringLiteral("KW_Drawing");
+    item.m_strOption = QString::fromUtf8(option);
+    return item;
+}
+
+int queuedFor(int view)
+{
+    const ViewRecord record(view);
+    return record ? record->m_nCount : -1;
+}
+
+}  // namespace
+
+class tstPass : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanupTestCase();
+
+    void commandsAreCutOutOfAResult_data();
+    void commandsAreCutOutOfAResult();
+
+    void passWithoutASourceFailsAndKeepsTheCounters();
+    void passWithoutAPictureRunsNothing();
+    void passWithoutStepsDoesNothing();
+    void pictureIsInTheStoreWhenStepsRun();
+    void limitedStepRunsInItsFirstPasses();
+    void stepsWithoutALimitRunInEveryPass_data();
+    void stepsWithoutALimitRunInEveryPass();
+    void resetAfterwardsResetsTheCountersOnEveryWayOut();
+    void lastStepEndsThePass();
+    void lastStepBehindTheListEndsAtItsEnd();
+
+    void skipMovesOn_data();
+    void skipMovesOn();
+    void skipOfZeroRepeatsTheStep();
+    void hugeSkipsNeverOverflow();
+    void printSendsItsTextAndSucceeds();
+    void stopSendsItsTextAndEndsTheTaskWithoutAMessage();
+    void textBesideCommandsIsAnError();
+    void shortResultIsNeverSearchedForCommands();
+    void unknownCommandEndsTheReading();
+    void commandsAreReadInOrder();
+    void noCallBackIsNoHarm();
+    void stepErrorNamesTheAlgorithmAndGoesToTheDebugLog();
+    void missingAlgorithmEndsThePassWithoutABlank();
+    void messageStaysWhereAResultIsEmpty();
+
+    void timeOutIsSeenBeforeTheNextStep();
+    void endlessLoopTimesOut();
+    void timesAreShownWhereCountersAreReset();
+    void timeIsShownInTheRowBehindASkip();
+    void timesWithoutATableAreNotShown();
+
+    void optionReachesTheAlgorithmUnchangedInEveryPass();
+    void changedOptionIsUsedInTheNextPass();
+    void changedAlgorithmIsUsedInTheNextPass();
+    void drawingStepGetsTheTasksView();
+    void changedViewIsUsedInTheNextPass();
+    void viewIsClampedAndStoredBackWhenADrawingStepRuns_data();
+    void viewIsClampedAndStoredBackWhenADrawingStepRuns();
+    void viewStaysWhereNoDrawingStepRuns();
+    void endOfTaskDrawingGetsNoView();
+    void impostorOfTheDrawingIdentifierIsNotReached();
+
+    void singleRunMakesOnePassAndTheEndSteps();
+    void singleRunResetsTheCountersFirst();
+    void singleRunReportsInItsOwnWordsOnPurpose();
+    void singleRunReportsThePassAndTheEnd();
+    void endStepsObeyPrintAlone_data();
+    void endStepsObeyPrintAlone();
+    void missingEndStepEndsTheEnd();
+    void finishedPassesAreCounted();
+};
+
+void tstPass::initTestCase()
+{
+    Probes::install();
+    PluginFolders::addBase(QStringLiteral("algorithmSlow"));
+    PluginFolders::addBase(QStringLiteral("algorithmTrace"));
+    PluginFolders::addBase(QStringLiteral("algorithmDrawingID"));
+    TaskMgr::getInstance();
+    makeTask({});  // loads the source library
+}
+
+void tstPass::init()
+{
+    Probes::reset();
+    Reports::clear();
+    for (int view = 0; view < 4; ++view)
+        GlobalFunction::getInstance()->addView(view, nullptr);
+}
+
+void tstPass::cleanupTestCase()
+{
+    TaskMgr::deleteThis();
+}
+
+void tstPass::commandsAreCutOutOfAResult_data()
+{
+    using Kind = ResultCommand::Kind;
+    QTest::addColumn<QString>("result");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("skip");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("left");
+    const auto row = [](const char* result, Kind kind, int skip, const char* text, const char* left) {
+        QTest::newRow(result) << result << static_cast<int>(kind) << skip << text << left;
+    };
+
+    row("<CMD>skip:3</CMD>", Kind::Skip, 3, "", "");
+    row("<CMD>skip:-2</CMD>", Kind::Skip, -2, "", "");
+    row("<CMD>skip:+3</CMD>", Kind::Skip, 3, "", "");
+    row("<CMD>skip:2147483647</CMD>", Kind::Skip, 2147483647, "", "");
+    row("<CMD>skip:2147483648</CMD>", Kind::Skip, 1, "", "");
+    row("<CMD>skip:abc</CMD>", Kind::Skip, 1, "", "");
+    row("<CMD>skip:</CMD>", Kind::Skip, 1, "", "");
+    row("<CMD>skip:0x2</CMD>", Kind::Skip, 1, "", "");
+    row("<cmd>stop:done</Cmd>", Kind::Stop, 1, "done", "");
+    row("<CMD>stop:</CMD>x", Kind::Stop, 1, "", "x");
+    row("a<CMD>print:hello: you</CMD>b", Kind::Print, 1, "hello: you", "ab");
+    row("<CMD>print:a</CMD><CMD>print:b</CMD>", Kind::Print, 1, "a", "<CMD>print:b</CMD>");
+    row("<CMD>Print:a</CMD>x", Kind::None, 1, "", "x");
+    row("<CMD> print:a</CMD>", Kind::None, 1, "", "");
+    row("<CMD></CMD>", Kind::None, 1, "", "");
+    row("<CMD>print:a", Kind::None, 1, "", "<CMD>print:a");
+    row("", Kind::None, 1, "", "");
+}
+
+void tstPass::commandsAreCutOutOfAResult()
+{
+    QFETCH(QString, result);
+    QFETCH(int, kind);
+    QFETCH(int, skip);
+    QFETCH(QString, text);
+    QFETCH(QString, left);
+
+    const ResultCommand command = ResultCommand::takeFrom(result);
+
+    QCOMPARE(static_cast<int>(command.m_eKind), kind);
+    QCOMPARE(command.m_nSkip, skip);
+    QCOMPARE(command.m_strText, text);
+    QCOMPARE(result, left);
+}
+
+void tstPass::passWithoutASourceFailsAndKeepsTheCounters()
+{
+    auto task = makeSourcelessTask(steps(QStringLiteral("a")));
+    task->getTaskItem()[0].m_nExeTimes = 7;
+    QString message;
+
+    QVERIFY(!task->runOnce(message, true, -1, 10000));
+
+    QCOMPARE(message, QStringLiteral("No datasource assigned."));
+    QCOMPARE(task->getTaskItem().first().m_nExeTimes, 7);
+    QCOMPARE(Probes::trace(), QString());
+}
+
+void tstPass::passWithoutAPictureRunsNothing()
+{
+    auto task = makeTask(steps(QStringLiteral("a")), QStringLiteral("count=1"));
+    QVERIFY(pass(*task));
+
+    QVERIFY(pass(*task));
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a"));
+    QCOMPARE(task->getPassNum(), 1LL);
+}
+
+void tstPass::passWithoutStepsDoesNothing()
+{
+    auto task = makeTask({});
+    QString message = QStringLiteral("as it was");
+
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(pass(*task, message));
+
+    QCOMPARE(message, QStringLiteral("as it was"));
+    QCOMPARE(Probes::sourceCalls("requestPicture"), 3);
+}
+
+void tstPass::pictureIsInTheStoreWhenStepsRun()
+{
+    auto task = makeTask(steps(QStringLiteral("a")), QStringLiteral("size=5x2"));
+
+    QVERIFY(pass(*task));
+
+    const ParamDIB* picture = task->getArithmParamMgr()->findParamDIB(1);
+    QVERIFY(picture);
+    QCOMPARE(picture->getWidth(), 5);
+    QCOMPARE(picture->getHeight(), 2);
+    QCOMPARE(picture->getName(), QStringLiteral("img"));
+}
+
+void tstPass::limitedStepRunsInItsFirstPasses()
+{
+    auto task = makeTask({step("a", "", 3), step("b")});
+
+    for (int i = 0; i < 5; ++i)
+        QVERIFY(pass(*task));
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b,a,b,a,b,b,b"));
+
+    task->initTaskItemExeTimes();
+    QVERIFY(pass(*task));
+    QVERIFY(Probes::trace().endsWith(QStringLiteral("b,a,b")));
+}
+
+void tstPass::stepsWithoutALimitRunInEveryPass_data()
+{
+    QTest::addColumn<int>("maxExeTimes");
+    QTest::addColumn<QString>("trace");
+
+    QTest::newRow("never") << 0 << "";
+    QTest::newRow("once") << 1 << "a";
+    QTest::newRow("no limit") << -1 << "a,a";
+    QTest::newRow("any negative number is no limit") << -5 << "a,a";
+    QTest::newRow("eight nines are a limit") << 99999999 << "a,a";
+    QTest::newRow("nine nines wait for the end") << 999999999 << "";
+    QTest::newRow("one more is a limit") << 1000000000 << "a,a";
+}
+
+void tstPass::stepsWithoutALimitRunInEveryPass()
+{
+    QFETCH(int, maxExeTimes);
+    QFETCH(QString, trace);
+    auto task = makeTask({step("a", "", maxExeTimes)});
+
+    QVERIFY(pass(*task));
+    QVERIFY(pass(*task));
+
+    QCOMPARE(Probes::trace(), trace);
+    QCOMPARE(task->getTaskItem().first().m_nExeTimes, trace.count(QLatin1Char('a')));
+}
+
+void tstPass::resetAfterwardsResetsTheCountersOnEveryWayOut()
+{
+    QString message;
+    const auto countAfter = [&message](const QList<TaskItem>& items, const char* source) {
+        auto task = makeTask(items, QString::fromUtf8(source));
+        for (TaskItem& item : task->getTaskItem())
+            item.m_nExeTimes = 7;
+        task->runOnce(message, true, -1, 10000);
+        return task->getTaskItem().first().m_nExeTimes;
+    };
+
+    QCOMPARE(countAfter({step("a")}, ""), 0);
+    QCOMPARE(countAfter({step("a")}, "count=0"), 0);
+    QCOMPARE(countAfter({step("a"), missingStep()}, ""), 0);
+    QCOMPARE(countAfter({step("a", "<CMD>stop:</CMD>")}, ""), 0);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("oops")));
+    QCOMPARE(countAfter({step("a", "oops")}, ""), 0);
+}
+
+void tstPass::lastStepEndsThePass()
+{
+    auto task = makeTask(steps(QStringLiteral("abcde")));
+    QString message;
+
+    QVERIFY(task->runOnce(message, false, 2, -1));
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b,c"));
+}
+
+void tstPass::lastStepBehindTheListEndsAtItsEnd()
+{
+    auto task = makeTask(steps(QStringLiteral("ab")));
+    QString message;
+
+    QVERIFY(task->runOnce(message, false, 99, -1));
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b"));
+}
+
+// Step b gives its command once; where the pass comes back to it, its turns are used up.
+void tstPass::skipMovesOn_data()
+{
+    QTest::addColumn<QString>("result");
+    QTest::addColumn<QString>("trace");
+
+    QTest::newRow("three on") << "<CMD>skip:3</CMD>"
+                              << "a,b,e,f";
+    QTest::newRow("one on changes nothing") << "<CMD>skip:1</CMD>"
+                                            << "a,b,c,d,e,f";
+    QTest::newRow("no number changes nothing") << "<CMD>skip:abc</CMD>"
+                                               << "a,b,c,d,e,f";
+    QTest::newRow("back") << "<CMD>skip:-1</CMD>"
+                          << "a,b,a,c,d,e,f";
+    QTest::newRow("back in front of the first") << "<CMD>skip:-50</CMD>"
+                                                << "a,b,a,c,d,e,f";
+    QTest::newRow("behind the last") << "<CMD>skip:50</CMD>"
+                                     << "a,b";
+    QTest::newRow("two add up") << "<CMD>skip:2</CMD><CMD>skip:2</CMD>"
+                                << "a,b,e,f";
+    QTest::newRow("there and back") << "<CMD>skip:4</CMD><CMD>skip:-2</CMD>"
+                                    << "a,b,c,d,e,f";
+}
+
+void tstPass::skipMovesOn()
+{
+    QFETCH(QString, result);
+    QFETCH(QString, trace);
+    QList<TaskItem> items = steps(QStringLiteral("abcdef"));
+    items[1] = probeStep(QStringLiteral("b"), result, 1);
+    auto task = makeTask(items);
+
+    QVERIFY(pass(*task));
+
+    QCOMPARE(Probes::trace(), trace);
+}
+
+void tstPass::skipOfZeroRepeatsTheStep()
+{
+    auto task = makeTask({step("a", "<CMD>skip:0</CMD>", 3), step("b")});
+
+    QVERIFY(pass(*task));
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,a,a,b"));
+}
+
+void tstPass::hugeSkipsNeverOverflow()
+{
+    for (const QString& number : {QStringLiteral("2147483647"), QStringLiteral("-2147483648")}) {
+        Probes::reset();
+        const QString result = (QStringLiteral("<CMD>skip:") + number + QStringLiteral("</CMD>")).repeated(3000);
+        auto task = makeTask({step("a"), probeStep(QStringLiteral("b"), result, 1), step("c")});
+        QString message;
+
+        QVERIFY(task->runOnce(message, true, -1, -1));
+
+        QCOMPARE(Probes::trace(),
+                 number.startsWith(QLatin1Char('-')) ? QStringLiteral("a,b,a,c") : QStringLiteral("a,b"));
+    }
+}
+
+void tstPass::printSendsItsTextAndSucceeds()
+{
+    auto task = makeTask({step("a", "<CMD>print:hello</CMD>"), step("b")});
+    QString message;
+
+    QVERIFY(pass(*task, message));
+
+    QCOMPARE(Reports::prints(), QStringList{QStringLiteral("hello")});
+    QCOMPARE(message, QString());
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b"));
+}
+
+void tstPass::stopSendsItsTextAndEndsTheTaskWithoutAMessage()
+{
+    auto task = makeTask({step("a", "<CMD>stop:done</CMD>and more"), step("b")});
+    QString message = QStringLiteral("old");
+
+    QVERIFY(!pass(*task, message));
+
+    QCOMPARE(Reports::prints(), QStringList{QStringLiteral("done")});
+    QCOMPARE(message, QString());
+    QCOMPARE(Probes::trace(), QStringLiteral("a"));
+}
+
+void tstPass::textBesideCommandsIsAnError()
+{
+    auto task = makeTask({step("a", "<CMD>print:a</CMD>oops"), step("b")});
+    QString message;
+    QTest::ignoreMessage(QtWarningMsg, "算法\"Probe\"出错, 错误信息:oops");
+
+    QVERIFY(!pass(*task, message));
+
+    QCOMPARE(Reports::prints(), QStringList{QStringLiteral("a")});
+    QCOMPARE(message, QStringLiteral("算法\"Probe\"出错, 错误信息:oops"));
+    QCOMPARE(Probes::trace(), QStringLiteral("a"));
+    QCOMPARE(task->getTaskItem().first().m_nExeTimes, 0);
+}
+
+void tstPass::shortResultIsNeverSearchedForCommands()
+{
+    auto task = makeTask({step("a", "fail")});
+    QString message;
+    QTest::ignoreMessage(QtWarningMsg, "算法\"Probe\"出错, 错误信息:fail");
+
+    QVERIFY(!pass(*task, message));
+
+    QCOMPARE(message, QStringLiteral("算法\"Probe\"出错, 错误信息:fail"));
+}
+
+void tstPass::unknownCommandEndsTheReading()
+{
+    auto task = makeTask({step("a", "<CMD>jump:1</CMD><CMD>print:a</CMD>")});
+    QString message;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("print:a")));
+
+    QVERIFY(!pass(*task, message));
+
+    QCOMPARE(message, QStringLiteral("算法\"Probe\"出错, 错误信息:<CMD>print:a</CMD>"));
+    QCOMPARE(Reports::prints(), QStringList());
+}
+
+void tstPass::commandsAreReadInOrder()
+{
+    auto task = makeTask({step("a", "<CMD>print:1</CMD><CMD>skip:2</CMD><CMD>print:2</CMD>"), step("b"), step("c")});
+
+    QVERIFY(pass(*task));
+
+    QCOMPARE(Reports::prints(), QStringList({QStringLiteral("1"), QStringLiteral("2")}));
+    QCOMPARE(Probes::trace(), QStringLiteral("a,c"));
+}
+
+void tstPass::noCallBackIsNoHarm()
+{
+    auto task = makeTask({step("a", "<CMD>print:x</CMD>"), missingStep()});
+    task->setPrintCallBack(nullptr);
+    task->setMssageCallBack(nullptr);
+
+    task->runTaskOnce();
+    task->threadFinishedArrived(QStringLiteral("text"), false);
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a"));
+}
+
+void tstPass::stepErrorNamesTheAlgorithmAndGoesToTheDebugLog()
+{
+    TaskItem named = step("a", "something is wrong");
+    named.m_strArithmName = QStringLiteral("找线");
+    auto task = makeTask({named});
+    QString message;
+    QTest::ignoreMessage(QtWarningMsg, "算法\"找线\"出错, 错误信息:something is wrong");
+
+    QVERIFY(!pass(*task, message));
+
+    QCOMPARE(message, QStringLiteral("算法\"找线\"出错, 错误信息:something is wrong"));
+}
+
+void tstPass::missingAlgorithmEndsThePassWithoutABlank()
+{
+    auto task = makeTask({step("a"), missingStep(), step("b")});
+    QString message;
+
+    QVERIFY(!pass(*task, message));
+    QVERIFY(!pass(*task, message));  // looked up again
+
+    QCOMPARE(message, QStringLiteral("Arithm\"缺\"is not existed."));
+    QCOMPARE(Probes::trace(), QStringLiteral("a,a"));
+}
+
+void tstPass::messageStaysWhereAResultIsEmpty()
+{
+    auto silent = makeTask({step("a")});
+    auto printing = makeTask({step("b", "<CMD>print:</CMD>")});
+    QString kept = QStringLiteral("old");
+    QString cleared = QStringLiteral("old");
+
+    QVERIFY(pass(*silent, kept));
+    QVERIFY(pass(*printing, cleared));
+
+    QCOMPARE(kept, QStringLiteral("old"));
+    QCOMPARE(cleared, QString());
+}
+
+void tstPass::timeOutIsSeenBeforeTheNextStep()
+{
+    TaskItem slow = step("");
+    slow.m_strArithmID = QStringLiteral("Test.Slow");
+    slow.m_strOption = QStringLiteral("60;");
+    auto task = makeTask({slow, step("b")});
+    QString message;
+
+    QVERIFY(!task->runOnce(message, true, -1, 20));
+
+    QCOMPARE(message, QString::fromUtf8(TimeOutText));
+    QCOMPARE(Probes::trace(), QString());
+    QVERIFY(task->runOnce(message, true, -1, -1));  // no time-out asked for
+    QCOMPARE(Probes::trace(), QStringLiteral("b"));
+}
+
+void tstPass::endlessLoopTimesOut()
+{
+    auto task = makeTask({step("a", "<CMD>skip:0</CMD>")});
+    QString message;
+
+    QVERIFY(!task->runOnce(message, true, -1, 20));
+
+    QCOMPARE(message, QString::fromUtf8(TimeOutText));
+    QVERIFY(Probes::trace().startsWith(QStringLiteral("a,a")));
+    QCOMPARE(task->getTaskItem().first().m_nExeTimes, 0);
+}
+
+void tstPass::timesAreShownWhereCountersAreReset()
+{
+    TaskItem slow = step("");
+    slow.m_strArithmID = QStringLiteral("Test.Slow");
+    slow.m_strOption = QStringLiteral("30;");
+    auto task = makeTask({slow, step("b", "", 0), step("c")});
+    const Tab tab(*task);
+    QString message;
+
+    QVERIFY(task->runOnce(message, false, -1, -1));
+    QCOMPARE(tab.cell(0, 2), QString());
+
+    QVERIFY(task->runOnce(message, true, -1, -1));
+    QVERIFY(tab.cell(0, 2).toInt() >= 30);
+    QCOMPARE(tab.cell(1, 2), QString());  // did not run
+    bool isNumber = false;
+    tab.cell(2, 2).toInt(&isNumber);
+    QVERIFY(isNumber);
+}
+
+void tstPass::timeIsShownInTheRowBehindASkip()
+{
+    auto task = makeTask({step("a", "<CMD>skip:3</CMD>"), step("b"), step("c"), step("d", "<CMD>skip:-9</CMD>", 1),
+                          step("e", "<CMD>skip:9</CMD>")});
+    const Tab tab(*task);
+    QString message;
+
+    QVERIFY(task->runOnce(message, true, -1, -1));
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,d,a,e"));
+    QCOMPARE(tab.cell(0, 2), QString());
+    QVERIFY(!tab.cell(2, 2).isEmpty());   // a's time: its place plus three, less one
+    QCOMPARE(tab.cell(3, 2), QString());  // d went in front of the list, e behind it
+    QCOMPARE(tab.cell(4, 2), QString());
+}
+
+void tstPass::timesWithoutATableAreNotShown()
+{
+    auto task = makeTask(steps(QStringLiteral("ab")));
+    Tab tab(*task);
+    tab.m_pcTable->setRowCount(1);
+    delete tab.m_pcTable->takeItem(0, 2);
+    QString message;
+
+    QVERIFY(task->runOnce(message, true, -1, -1));
+
+    QVERIFY(!tab.m_pcTable->item(0, 2));
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b"));
+}
+
+// The probe scribbles on the text that it gets.
+void tstPass::optionReachesTheAlgorithmUnchangedInEveryPass()
+{
+    auto task = makeTask({step("图像"), step("a longer name"), step("b")});
+
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(pass(*task));
+
+    QCOMPARE(Probes::trace(), QStringLiteral("图像,a longer name,b,图像,a longer name,b,图像,a longer name,b"));
+    QCOMPARE(task->getTaskItem().first().m_strOption, QStringLiteral("图像|"));
+}
+
+void tstPass::changedOptionIsUsedInTheNextPass()
+{
+    auto task = makeTask({step("a")});
+    QVERIFY(pass(*task));
+
+    task->getTaskItem()[0].m_strOption = QStringLiteral("b|");
+    QVERIFY(pass(*task));
+    task->getTaskItem()[0].m_strOption[0] = QLatin1Char('c');
+    QVERIFY(pass(*task));
+    task->getTaskItem()[0].m_strOption.clear();
+    QVERIFY(pass(*task));
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b,c,"));
+}
+
+void tstPass::changedAlgorithmIsUsedInTheNextPass()
+{
+    auto task = makeTask({step("a")});
+    QString message;
+    QVERIFY(pass(*task));
+
+    task->getTaskItem()[0].m_strArithmID = QStringLiteral("Test.Missing");
+    QVERIFY(!pass(*task, message));
+    task->getTaskItem()[0].m_strArithmID = QStringLiteral("Test.Trace");
+    QVERIFY(pass(*task));
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a"));
+    QCOMPARE(message, QStringLiteral("Arithm\"Probe\"is not existed."));
+    QCOMPARE(task->getArithmParamMgr()->getParamStrings(900)->getStrings(), QVector<QByteArray>{"a|"});
+}
+
+void tstPass::drawingStepGetsTheTasksView()
+{
+    auto task = makeTask({drawingStep("<DataType>3</DataType><DataID>5</DataID>")});
+    task->ViewSelected(2);
+
+    QVERIFY(pass(*task));
+    QVERIFY(pass(*task));
+
+    QCOMPARE(queuedFor(2), 2);
+    QCOMPARE(queuedFor(0), 0);
+    task.reset();
+    QCOMPARE(queuedFor(2), 0);
+}
+
+void tstPass::changedViewIsUsedInTheNextPass()
+{
+    auto task = makeTask({drawingStep("<DataType>3</DataType><DataID>5</DataID>")});
+
+    QVERIFY(pass(*task));
+    task->ViewSelected(1);
+    QVERIFY(pass(*task));
+
+    QCOMPARE(queuedFor(0), 1);
+    QCOMPARE(queuedFor(1), 1);
+}
+
+void tstPass::viewIsClampedAndStoredBackWhenADrawingStepRuns_data()
+{
+    QTest::addColumn<int>("view");
+    QTest::addColumn<int>("clamped");
+
+    QTest::newRow("above") << 7 << 3;
+    QTest::newRow("just above") << 4 << 3;
+    QTest::newRow("last") << 3 << 3;
+    QTest::newRow("first") << 0 << 0;
+    QTest::newRow("below") << -1 << 0;
+}
+
+void tstPass::viewIsClampedAndStoredBackWhenADrawingStepRuns()
+{
+    QFETCH(int, view);
+    QFETCH(int, clamped);
+    auto task = makeTask({drawingStep("<DataType>3</DataType><DataID>5</DataID>")});
+    task->ViewSelected(view);
+
+    QVERIFY(pass(*task));
+
+    QCOMPARE(task->getView(), clamped);
+    QCOMPARE(queuedFor(clamped), 1);
+}
+
+void tstPass::viewStaysWhereNoDrawingStepRuns()
+{
+    auto task = makeTask({step("a"), drawingStep("", 0)});
+    task->ViewSelected(7);
+
+    QVERIFY(pass(*task));
+
+    QCOMPARE(task->getView(), 7);
+}
+
+void tstPass::endOfTaskDrawingGetsNoView()
+{
+    // Without a view of its own such a step draws where its option text says.
+    auto task = makeTask({drawingStep("<View>1</View><DataType>3</DataType><DataID>5</DataID>", 999999999)});
+    task->ViewSelected(2);
+
+    task->runTaskOnce();
+
+    QCOMPARE(queuedFor(1), 1);
+    QCOMPARE(queuedFor(2), 0);
+}
+
+void tstPass::impostorOfTheDrawingIdentifierIsNotReached()
+{
+    auto task = makeTask({drawingStep("no drawing at all")});
+
+    QVERIFY(pass(*task));  // the impostor's result would be its option text, an error
+}
+
+void tstPass::singleRunMakesOnePassAndTheEndSteps()
+{
+    auto task = makeTask({step("end1", "", 999999999), step("a"), step("end2", "", 999999999), step("b")});
+
+    task->runTaskOnce();
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b,end1,end2"));
+    QCOMPARE(Probes::sourceCalls("start"), 1);
+    QCOMPARE(Probes::sourceCalls("stop"), 1);
+    QCOMPARE(Reports::messages(), QStringList());
+    QVERIFY(!task->IsRunning());
+}
+
+void tstPass::singleRunResetsTheCountersFirst()
+{
+    auto task = makeTask({step("a", "", 1)});
+
+    task->runTaskOnce();
+    task->runTaskOnce();
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,a"));
+    QCOMPARE(task->getTaskItem().first().m_nExeTimes, 1);
+}
+
+void tstPass::singleRunReportsInItsOwnWordsOnPurpose()
+{
+    auto task = makeTask({step("end1", "bad", 999999999), step("end2", "", 999999999)});
+
+    task->runTaskOnce();
+
+    QCOMPARE(Reports::messages(), QStringList{QStringLiteral("Arithm \"Probe\" error, message:bad")});
+    QCOMPARE(Probes::trace(), QStringLiteral("end1"));
+}
+
+void tstPass::singleRunReportsThePassAndTheEnd()
+{
+    auto task = makeSourcelessTask({step("end", "", 999999999), missingStep(999999999)});
+
+    task->runTaskOnce();
+
+    QCOMPARE(Reports::messages(),
+             QStringList({QStringLiteral("No datasource assigned."), QStringLiteral("Arithm\"缺\"is not existed.")}));
+    QCOMPARE(Probes::trace(), QStringLiteral("end"));
+}
+
+void tstPass::endStepsObeyPrintAlone_data()
+{
+    QTest::addColumn<QString>("result");
+    QTest::addColumn<QStringList>("prints");
+    QTest::addColumn<QString>("message");
+    const QString words = QStringLiteral("Arithm \"Probe\" error, message:");
+
+    QTest::newRow("print") << "<CMD>print:a</CMD><CMD>print:b</CMD>" << QStringList({"a", "b"}) << QString();
+    QTest::newRow("print and text") << "<CMD>print:a</CMD>oops" << QStringList("a") << words + "oops";
+    QTest::newRow("skip ends the reading")
+        << "<CMD>skip:0</CMD><CMD>print:a</CMD>" << QStringList() << words + "<CMD>print:a</CMD>";
+    QTest::newRow("stop ends the reading") << "<CMD>stop:x</CMD>" << QStringList() << QString();
+    QTest::newRow("short text") << "fail" << QStringList() << words + "fail";
+}
+
+void tstPass::endStepsObeyPrintAlone()
+{
+    QFETCH(QString, result);
+    QFETCH(QStringList, prints);
+    QFETCH(QString, message);
+    auto task = makeTask({probeStep(QStringLiteral("end"), result, 999999999)});
+
+    task->runTaskOnce();
+
+    QCOMPARE(Reports::prints(), prints);
+    QCOMPARE(Reports::messages(), message.isEmpty() ? QStringList() : QStringList(message));
+}
+
+void tstPass::missingEndStepEndsTheEnd()
+{
+    auto task = makeTask({missingStep(999999999), step("end", "", 999999999)});
+
+    task->runTaskOnce();
+
+    QCOMPARE(Reports::messages(), QStringList{QStringLiteral("Arithm\"缺\"is not existed.")});
+    QCOMPARE(Probes::trace(), QString());
+}
+
+void tstPass::finishedPassesAreCounted()
+{
+    auto task = makeTask({step("a")}, QStringLiteral("count=5"));
+    QString message;
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(pass(*task));
+    QCOMPARE(task->getPassNum(), 3LL);
+
+    QVERIFY(task->runOnce(message, true, -1, -1));  // a pass for the user's eyes is none of a run
+    task->getTaskItem() += missingStep();
+    QVERIFY(!pass(*task));  // did not run to its end
+    QVERIFY(pass(*task));   // no picture any more
+    QCOMPARE(task->getPassNum(), 3LL);
+
+    task->runTaskOnce();
+    QCOMPARE(task->getPassNum(), 0LL);
+}
+
+QTEST_MAIN(tstPass)
+#include "tstPass.moc"
