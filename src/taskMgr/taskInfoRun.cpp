@@ -1,6 +1,7 @@
 #include "taskMgr/runState.h"
 #include "taskMgr/taskInfo.h"
 #include "taskMgr/taskMessages.h"
+#include "taskMgr/taskMgr.h"
 
 #include <sched.h>
 
@@ -52,6 +53,8 @@ void TaskInfo::startTask()
     // The thread of the run before has nothing left to do but to say that it is gone.
     m_bStopRequested.store(true);
     waitUntilThreadIsGone();
+    if (m_pcDataSource)
+        TaskMgr::stopBeforeSourcesGo();
     markBegun();
     showRunning();  // before there is a thread: an open editor in the flow table commits into the steps here
     if (pthread_create(&m_hThread, nullptr, &TaskInfo::threadTaskFunc, this) == 0)

@@ -4,33 +4,36 @@
 #include "taskMgr/projectText.h"
 #include "threadGuards.h"
 
+#include <QCoreApplication>
+
 #include <cstdlib>
 #include <memory>
 
 std::atomic<TaskMgr*> TaskMgr::s_pcInstance{nullptr};
 QMutex TaskMgr::s_cMtxForIns;
 
-namespace {
-
-// No task thread may run on while the statics of the program die. Functions registered later run earlier, so this one,
-// registered once the algorithm registry exists, runs before that registry goes.
-void deleteAtExit()
-{
-    static const int s_nRegistered = std::atexit([] { TaskMgr::deleteThis(); });
-    Q_UNUSED(s_nRegistered)
-}
-
-}  // namespace
-
+// No task thread may run on while the statics of the program and of its plug-ins die. In a usual program the
+// application object ends before them; where none ends, the functions registered with the C library come first that
+// were registered last: one once the algorithms are loaded, one once a task with a picture source starts.
 TaskMgr::TaskMgr()
 {
     ArithmFactory::getInstance();
-    deleteAtExit();
+    static const int s_nRegistered = std::atexit(TaskMgr::deleteThis);
+    Q_UNUSED(s_nRegistered)
+    if (QCoreApplication::instance())
+        qAddPostRoutine(TaskMgr::deleteThis);
 }
 
 TaskMgr::~TaskMgr()
 {
+    qRemovePostRoutine(TaskMgr::deleteThis);
     clear();
+}
+
+void TaskMgr::stopBeforeSourcesGo()
+{
+    static const int s_nRegistered = std::atexit(TaskMgr::deleteThis);
+    Q_UNUSED(s_nRegistered)
 }
 
 TaskMgr* TaskMgr::getInstance()

@@ -37,6 +37,9 @@ public:
     QString toString() const;       ///< The project text.
     void fromString(QString text);  ///< Replaces all tasks with those of a project text.
 
+    /// Once the libraries of the sources are loaded: deleteThis runs before they go, however the program ends.
+    static void stopBeforeSourcesGo();
+
     static std::atomic<TaskMgr*> s_pcInstance;
     static QMutex s_cMtxForIns;  ///< Guards creation and destruction of the instance.
 

@@ -90,6 +90,16 @@ LUMIVANT_EXPORT const char* testTrace()
     return kept(s_strTrace);
 }
 
+/// How often a name stands in the trace; also once the thread-local texts of a thread that ends have gone.
+LUMIVANT_EXPORT int testTraceCount(const char* name)
+{
+    const std::lock_guard<std::mutex> lock(s_cMutex);
+    int count = 0;
+    for (std::size_t at = s_strTrace.find(name); at != std::string::npos; at = s_strTrace.find(name, at + 1))
+        ++count;
+    return count;
+}
+
 LUMIVANT_EXPORT const char* testTraceAtConfig()
 {
     const std::lock_guard<std::mutex> lock(s_cMutex);

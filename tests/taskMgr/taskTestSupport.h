@@ -34,6 +34,10 @@ public:
     }
 
     static QString trace() { return text(s_strProbe, "testTrace"); }
+    static int traceCount(const char* name)
+    {
+        return PluginFolders::function<int (*)(const char*)>(s_strProbe, "testTraceCount")(name);
+    }
     static QString extTrace() { return text(s_strExtProbe, "testTrace"); }
     static QString traceAtConfig() { return text(s_strProbe, "testTraceAtConfig"); }
     static QString configOption() { return text(s_strProbe, "testConfigOption"); }

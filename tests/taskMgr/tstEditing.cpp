@@ -1,1 +1,761 @@
-int main() {}
+#include "paramStore/arithmParamMgr.h"
+#include "taskMgr/taskMgr.h"
+#include "taskTestSupport.h"
+
+#include <QMenu>
+#include <QRegularExpression>
+#include <QtTest>
+
+namespace {
+
+TaskItem step(const char* name, const char* result = "", int maxExeTimes = -1)
+{
+    return probeStep(QString::fromUtf8(name), QString::fromUtf8(result), maxExeTimes);
+}
+
+QList<TaskItem> steps(const QString& names)
+{
+    QList<TaskItem> list;
+    for (const QChar name : names)
+        list += probeStep(QString(name));
+    return list;
+}
+
+/// The options of the steps, in order.
+QStringList options(TaskInfo& task)
+{
+    QStringList list;
+    for (const TaskItem& item : task.getTaskItem())
+        list += item.m_strOption;
+    return list;
+}
+
+QMenu* contextMenu(const Tab& tab)
+{
+    return tab.m_pcTable->findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+/// Opens the context menu as a right-click does, and closes it again.
+QMenu* openedMenu(const Tab& tab)
+{
+    Q_EMIT tab.m_pcTable->customContextMenuRequested(QPoint(5, 5));
+    QMenu* menu = contextMenu(tab);
+    if (menu)
+        menu->close();
+    return menu;
+}
+
+QMenu* subMenu(const QMenu* menu, const QString& caption)
+{
+    for (QAction* action : menu->actions()) {
+        if (action->text() == caption && action->menu())
+            return action->menu();
+    }
+    return nullptr;
+}
+
+QAction* entry(const QMenu* menu, const QString& caption)
+{
+    for (QAction* action : menu->actions()) {
+        if (action->text() == caption)
+            return action;
+    }
+    return nullptr;
+}
+
+/// The texts of a menu's entries; "-" for a separator.
+QStringList captions(const QMenu* menu)
+{
+    QStringList list;
+    for (const QAction* action : menu->actions())
+        list += action->isSeparator() ? QStringLiteral("-") : action->text();
+    return list;
+}
+
+/// The menu entry of the probe.
+QAction* probeEntry(const Tab& tab)
+{
+    const QMenu* menu = openedMenu(tab);
+    return entry(subMenu(subMenu(menu, QStringLiteral("添加算法")), QStringLiteral("Test")), QStringLiteral("Probe"));
+}
+
+void selectRow(const Tab& tab, int row)
+{
+    tab.m_pcTable->selectRow(row);
+}
+
+/// A press of the mouse on a cell, as a user makes it.
+void press(Tab& tab, int row, int column)
+{
+    if (!tab.m_cPage.isVisible()) {
+        tab.m_cPage.resize(500, 400);
+        tab.m_cPage.show();
+    }
+    const QRect cell = tab.m_pcTable->visualItemRect(tab.m_pcTable->item(row, column));
+    QTest::mouseClick(tab.m_pcTable->viewport(), Qt::LeftButton, Qt::NoModifier, cell.center());
+}
+
+}  // namespace
+
+class tstEditing : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanupTestCase();
+
+    void menuOffersAlgorithmsByClassAndTheCommands();
+    void menuIsBuiltOnceAndReused();
+    void menuOpensWhereTheClickWas();
+    void menuIsBuiltAgainForANewTable();
+
+    void withoutASelectionTheStepIsAppended();
+    void withASelectionTheStepIsInsertedBefore();
+    void insertingAtTheFrontOnlyFetchesAPicture();
+    void extensionAlgorithmsAreAddedToo();
+    void cancelledWindowAddsNothing();
+    void addingWithoutASourceSaysSoAndOpensTheWindow();
+    void insertingAtTheFrontWithoutASourceSaysNothing();
+    void failingPreparationIsShownAndTheWindowOpens();
+    void unknownEntryIsNotFinded();
+    void storeIsCleanedBeforeThePreparation();
+    void preparationLeavesTheCountersAtZeroAndShowsTimes();
+
+    void modifyingReplacesTheOption();
+    void cancelledModificationChangesNothing();
+    void modifyingNeedsASelection();
+    void modifyingARowWithoutAStepIsASeriousError();
+    void modifyingAStepOfAMissingAlgorithmIsRefused();
+
+    void deletingAsksFirst();
+    void deletingRemovesStepAndRow();
+    void deletingNeedsASelection();
+    void deletingARowWithoutAStepDoesNothing();
+
+    void editedDescriptionIsKept();
+    void editedCountIsKept_data();
+    void editedCountIsKept();
+    void editsOfOtherCellsAreIgnored();
+    void typedTextReachesTheStep();
+
+    void pressingTheSameCellTwiceClearsTheSelection();
+    void pressingAnotherCellMovesTheMemory();
+    void removedRowIsForgotten();
+
+    void runHereRunsUpToTheSelectedStep();
+    void runHereNeedsASelection();
+    void runHereShowsTheFailure();
+    void runHereShowsNoEmptyMessage();
+    void runHereResetsTheCounters();
+    void taskMayBeDeletedWhileABoxIsShown();
+};
+
+void tstEditing::initTestCase()
+{
+    Probes::install();
+    PluginFolders::addBase(QStringLiteral("algorithmChinese"));
+    TaskMgr::getInstance();
+    makeTask({});  // loads the source library
+}
+
+void tstEditing::init()
+{
+    Probes::reset("new|");
+    Reports::clear();
+}
+
+void tstEditing::cleanupTestCase()
+{
+    TaskMgr::deleteThis();
+}
+
+void tstEditing::menuOffersAlgorithmsByClassAndTheCommands()
+{
+    auto task = makeTask({});
+    const Tab tab(*task);
+
+    const QMenu* menu = openedMenu(tab);
+
+    QVERIFY(menu);
+    QCOMPARE(captions(menu), QStringList({QStringLiteral("添加算法"), QStringLiteral("添加扩展算法"),
+                                          QStringLiteral("-"), QStringLiteral("修改配置"), QStringLiteral("删除"),
+                                          QStringLiteral("-"), QStringLiteral("执行到选中算法")}));
+    const QMenu* plain = subMenu(menu, QStringLiteral("添加算法"));
+    const QMenu* extension = subMenu(menu, QStringLiteral("添加扩展算法"));
+    QCOMPARE(captions(plain), QStringList({QStringLiteral("系统"), QStringLiteral("滤波"), QStringLiteral("Test")}));
+    QVERIFY(captions(subMenu(plain, QStringLiteral("系统"))).contains(QStringLiteral("绘制对象")));
+    QCOMPARE(captions(subMenu(plain, QStringLiteral("滤波"))), QStringList{QStringLiteral("中值滤波")});
+    QCOMPARE(captions(subMenu(plain, QStringLiteral("Test"))), QStringList{QStringLiteral("Probe")});
+    QCOMPARE(captions(extension), QStringList{QStringLiteral("Test")});
+    QCOMPARE(captions(subMenu(extension, QStringLiteral("Test"))), QStringList{QStringLiteral("Extension Probe")});
+}
+
+void tstEditing::menuIsBuiltOnceAndReused()
+{
+    auto task = makeTask({});
+    const Tab tab(*task);
+
+    const QMenu* first = openedMenu(tab);
+
+    QCOMPARE(openedMenu(tab), first);
+    QCOMPARE(tab.m_pcTable->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly).size(), 1);
+}
+
+void tstEditing::menuOpensWhereTheClickWas()
+{
+    auto task = makeTask(steps(QStringLiteral("ab")));
+    Tab tab(*task);
+    tab.m_cPage.move(40, 30);
+    tab.m_cPage.show();
+
+    Q_EMIT tab.m_pcTable->customContextMenuRequested(QPoint(20, 10));
+
+    QMenu* menu = contextMenu(tab);
+    QVERIFY(menu->isVisible());
+    QCOMPARE(menu->pos(), tab.m_pcTable->viewport()->mapToGlobal(QPoint(20, 10)));
+    menu->close();
+}
+
+void tstEditing::menuIsBuiltAgainForANewTable()
+{
+    auto task = makeTask({});
+    auto first = std::make_unique<Tab>(*task);
+    QVERIFY(openedMenu(*first));
+    first.reset();
+
+    const Tab second(*task);
+    probeEntry(second)->trigger();
+
+    QCOMPARE(options(*task), QStringList{QStringLiteral("new|")});
+}
+
+void tstEditing::withoutASelectionTheStepIsAppended()
+{
+    auto task = makeTask(steps(QStringLiteral("ab")));
+    const Tab tab(*task);
+
+    probeEntry(tab)->trigger();
+
+    QCOMPARE(options(*task), QStringList({QStringLiteral("a|"), QStringLiteral("b|"), QStringLiteral("new|")}));
+    const TaskItem& added = task->getTaskItem().last();
+    QCOMPARE(added.m_strArithmID, QStringLiteral("Test.Probe"));
+    QCOMPARE(added.m_strClassName, QStringLiteral("Test"));
+    QCOMPARE(added.m_strArithmName, QStringLiteral("Probe"));
+    QCOMPARE(added.m_nMaxExeTimes, -1);
+    QCOMPARE(added.m_nExeTimes, 0);
+    QVERIFY(added.m_strDescribe.isEmpty());
+    QCOMPARE(tab.m_pcTable->rowCount(), 3);
+    QCOMPARE(tab.cell(2, 0), QStringLiteral("Probe"));
+    QCOMPARE(tab.cell(2, 1), QStringLiteral("-1"));
+    // All steps ran before the window opened, the source only around that.
+    QCOMPARE(Probes::traceAtConfig(), QStringLiteral("a,b"));
+    QCOMPARE(Probes::configOption(), QString());
+    QCOMPARE(Probes::sourceCalls("start"), 1);
+    QCOMPARE(Probes::sourceCalls("stop"), 1);
+}
+
+void tstEditing::withASelectionTheStepIsInsertedBefore()
+{
+    auto task = makeTask(steps(QStringLiteral("abcd")));
+    const Tab tab(*task);
+    QAction* probe = probeEntry(tab);
+    selectRow(tab, 2);
+
+    probe->trigger();
+
+    QCOMPARE(options(*task), QStringList({QStringLiteral("a|"), QStringLiteral("b|"), QStringLiteral("new|"),
+                                          QStringLiteral("c|"), QStringLiteral("d|")}));
+    QCOMPARE(tab.m_pcTable->rowCount(), 5);
+    QCOMPARE(tab.cell(2, 0), QStringLiteral("Probe"));
+    QVERIFY(!(tab.m_pcTable->item(2, 2)->flags() & Qt::ItemIsEditable));
+    QCOMPARE(Probes::traceAtConfig(), QStringLiteral("a,b"));
+}
+
+void tstEditing::insertingAtTheFrontOnlyFetchesAPicture()
+{
+    auto task = makeTask(steps(QStringLiteral("ab")));
+    const Tab tab(*task);
+    QAction* probe = probeEntry(tab);
+    selectRow(tab, 0);
+
+    probe->trigger();
+
+    QCOMPARE(options(*task), QStringList({QStringLiteral("new|"), QStringLiteral("a|"), QStringLiteral("b|")}));
+    QCOMPARE(Probes::trace(), QString());
+    QCOMPARE(Probes::sourceCalls("requestPicture"), 1);
+    QCOMPARE(task->getArithmParamMgr()->findParamDIB(1)->getWidth(), 4);
+    QCOMPARE(Probes::sourceCalls("stop"), 1);
+}
+
+void tstEditing::extensionAlgorithmsAreAddedToo()
+{
+    auto task = makeTask({});
+    const Tab tab(*task);
+    const QMenu* extension = subMenu(openedMenu(tab), QStringLiteral("添加扩展算法"));
+
+    entry(subMenu(extension, QStringLiteral("Test")), QStringLiteral("Extension Probe"))->trigger();
+
+    QCOMPARE(Probes::extConfigWindows(), 1);
+    QCOMPARE(Probes::configWindows(), 0);
+    QCOMPARE(task->getTaskItem().size(), 1);
+    QCOMPARE(task->getTaskItem().first().m_strArithmID, QStringLiteral("Test.ExtProbe"));
+}
+
+void tstEditing::cancelledWindowAddsNothing()
+{
+    Probes::reset("");
+    auto task = makeTask(steps(QStringLiteral("a")));
+    const Tab tab(*task);
+    QAction* probe = probeEntry(tab);
+
+    probe->trigger();
+    selectRow(tab, 0);
+    probe->trigger();
+
+    QCOMPARE(Probes::configWindows(), 2);
+    QCOMPARE(task->getTaskItem().size(), 1);
+    QCOMPARE(tab.m_pcTable->rowCount(), 1);
+}
+
+void tstEditing::addingWithoutASourceSaysSoAndOpensTheWindow()
+{
+    auto task = makeSourcelessTask();
+    const Tab tab(*task);
+    QAction* probe = probeEntry(tab);
+    const BoxAnswer answer;
+
+    probe->trigger();
+
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("No datasource assigned.")});
+    QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
+    QCOMPARE(answer.m_lstIcons.first(), QMessageBox::Information);
+    QCOMPARE(answer.m_lstButtons.first(), QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(Probes::configWindows(), 1);
+    QCOMPARE(task->getTaskItem().size(), 1);
+}
+
+void tstEditing::insertingAtTheFrontWithoutASourceSaysNothing()
+{
+    auto task = makeSourcelessTask(steps(QStringLiteral("ab")));
+    const Tab tab(*task);
+    QAction* probe = probeEntry(tab);
+    const BoxAnswer answer;
+
+    selectRow(tab, 0);
+    probe->trigger();
+    QCOMPARE(answer.m_lstTexts, QStringList());
+
+    selectRow(tab, 1);
+    probe->trigger();
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("No datasource assigned.")});
+    QCOMPARE(task->getTaskItem().size(), 4);
+}
+
+void tstEditing::failingPreparationIsShownAndTheWindowOpens()
+{
+    auto task = makeTask({missingStep()});
+    const Tab tab(*task);
+    QAction* probe = probeEntry(tab);
+    const BoxAnswer answer;
+
+    probe->trigger();
+
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("Arithm\"缺\"is not existed.")});
+    QCOMPARE(Probes::configWindows(), 1);
+    QCOMPARE(task->getTaskItem().size(), 2);
+}
+
+void tstEditing::unknownEntryIsNotFinded()
+{
+    auto task = makeTask(steps(QStringLiteral("a")));
+    const Tab tab(*task);
+    QAction stranger;
+    const BoxAnswer answer;
+
+    task->addArithm(&stranger);
+    task->insertArithm(0, &stranger);
+
+    QCOMPARE(answer.m_lstTexts,
+             QStringList({QStringLiteral("Arithm is not finded."), QStringLiteral("Arithm is not finded.")}));
+    QCOMPARE(answer.m_lstTitles.first(), QStringLiteral("Warning"));
+    QCOMPARE(task->getTaskItem().size(), 1);
+    QCOMPARE(Probes::trace(), QString());
+}
+
+void tstEditing::storeIsCleanedBeforeThePreparation()
+{
+    auto task = makeTask({});
+    const Tab tab(*task);
+    task->getArithmParamMgr()->getParamStrings(77);
+
+    probeEntry(tab)->trigger();
+
+    QVERIFY(!task->getArithmParamMgr()->findParamStrings(77));
+    QVERIFY(task->getArithmParamMgr()->findParamDIB(1));
+}
+
+void tstEditing::preparationLeavesTheCountersAtZeroAndShowsTimes()
+{
+    auto task = makeTask({step("a", "", 1)});
+    const Tab tab(*task);
+
+    probeEntry(tab)->trigger();
+
+    QCOMPARE(task->getTaskItem().first().m_nExeTimes, 0);
+    QVERIFY(!tab.cell(0, 2).isEmpty());
+    QCOMPARE(tab.cell(1, 2), QString());
+}
+
+void tstEditing::modifyingReplacesTheOption()
+{
+    auto task = makeTask(steps(QStringLiteral("abc")));
+    const Tab tab(*task);
+    selectRow(tab, 1);
+
+    entry(openedMenu(tab), QStringLiteral("修改配置"))->trigger();
+
+    QCOMPARE(options(*task), QStringList({QStringLiteral("a|"), QStringLiteral("new|"), QStringLiteral("c|")}));
+    QCOMPARE(Probes::traceAtConfig(), QStringLiteral("a"));
+    QCOMPARE(Probes::configOption(), QStringLiteral("b|"));
+}
+
+void tstEditing::cancelledModificationChangesNothing()
+{
+    Probes::reset("");
+    auto task = makeTask(steps(QStringLiteral("ab")));
+    const Tab tab(*task);
+    selectRow(tab, 0);
+
+    task->modifyOption();
+
+    QCOMPARE(Probes::configWindows(), 1);
+    QCOMPARE(options(*task), QStringList({QStringLiteral("a|"), QStringLiteral("b|")}));
+    QCOMPARE(Probes::trace(), QString());
+    QCOMPARE(Probes::sourceCalls("requestPicture"), 1);
+}
+
+void tstEditing::modifyingNeedsASelection()
+{
+    auto task = makeTask(steps(QStringLiteral("a")));
+    const Tab tab(*task);
+    const BoxAnswer answer;
+
+    task->modifyOption();
+
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("No arithm have been selected.")});
+    QCOMPARE(Probes::configWindows(), 0);
+}
+
+void tstEditing::modifyingARowWithoutAStepIsASeriousError()
+{
+    auto task = makeTask(steps(QStringLiteral("a")));
+    const Tab tab(*task);
+    TaskInfo::appendRow(tab.m_pcTable, step("stray"));
+    selectRow(tab, 1);
+    const BoxAnswer answer;
+
+    task->modifyOption();
+
+    QCOMPARE(answer.m_lstTexts,
+             QStringList{QStringLiteral(
+                 "Serious error, arithm num is not equal with arithm list，please reconfig this task.")});
+    QCOMPARE(Probes::trace(), QString());
+}
+
+void tstEditing::modifyingAStepOfAMissingAlgorithmIsRefused()
+{
+    auto task = makeTask({missingStep()});
+    const Tab tab(*task);
+    selectRow(tab, 0);
+    const BoxAnswer answer;
+
+    task->modifyOption();
+
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("No arithm have been selected, please delete it.")});
+}
+
+void tstEditing::deletingAsksFirst()
+{
+    auto task = makeTask(steps(QStringLiteral("ab")));
+    const Tab tab(*task);
+    selectRow(tab, 0);
+    const BoxAnswer answer(QMessageBox::No);
+
+    task->delArithm();
+
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("Would you like to delete the arithm? It can not be recover "
+                                                           "after delete.")});
+    QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
+    QCOMPARE(answer.m_lstButtons.first(), QMessageBox::StandardButtons(QMessageBox::Yes | QMessageBox::No));
+    QCOMPARE(answer.m_lstDefaults.first(), QMessageBox::No);
+    QCOMPARE(task->getTaskItem().size(), 2);
+    QCOMPARE(tab.m_pcTable->rowCount(), 2);
+}
+
+void tstEditing::deletingRemovesStepAndRow()
+{
+    auto task = makeTask(steps(QStringLiteral("abc")));
+    const Tab tab(*task);
+    tab.m_pcTable->item(1, 0)->setText(QStringLiteral("second"));
+    selectRow(tab, 1);
+    const BoxAnswer answer(QMessageBox::Yes);
+
+    entry(openedMenu(tab), QStringLiteral("删除"))->trigger();
+
+    QCOMPARE(options(*task), QStringList({QStringLiteral("a|"), QStringLiteral("c|")}));
+    QCOMPARE(tab.m_pcTable->rowCount(), 2);
+    QCOMPARE(tab.cell(0, 0), QStringLiteral("Probe"));
+    QCOMPARE(tab.cell(1, 0), QStringLiteral("Probe"));
+}
+
+void tstEditing::deletingNeedsASelection()
+{
+    auto task = makeTask(steps(QStringLiteral("a")));
+    const Tab tab(*task);
+    const BoxAnswer answer;
+
+    task->delArithm();
+
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("No arithm have been selected.")});
+    QCOMPARE(task->getTaskItem().size(), 1);
+}
+
+void tstEditing::deletingARowWithoutAStepDoesNothing()
+{
+    auto task = makeTask(steps(QStringLiteral("a")));
+    const Tab tab(*task);
+    TaskInfo::appendRow(tab.m_pcTable, step("stray"));
+    selectRow(tab, 1);
+    const BoxAnswer answer(QMessageBox::Yes);
+
+    task->delArithm();
+
+    QCOMPARE(answer.m_lstTexts.size(), 1);
+    QCOMPARE(task->getTaskItem().size(), 1);
+    QCOMPARE(tab.m_pcTable->rowCount(), 2);
+}
+
+void tstEditing::editedDescriptionIsKept()
+{
+    auto task = makeTask(steps(QStringLiteral("ab")));
+    const Tab tab(*task);
+
+    tab.m_pcTable->item(1, 0)->setText(QStringLiteral("找区域"));
+
+    QCOMPARE(task->getTaskItem().at(1).m_strDescribe, QStringLiteral("找区域"));
+    QVERIFY(task->getTaskItem().at(0).m_strDescribe.isEmpty());
+}
+
+void tstEditing::editedCountIsKept_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("count");
+
+    QTest::newRow("number") << "3" << 3;
+    QTest::newRow("no limit") << "-1" << -1;
+    QTest::newRow("nine nines make an end-of-task step") << "999999999" << 999999999;
+    QTest::newRow("letters change nothing") << "abc" << 7;
+    QTest::newRow("nothing changes nothing") << "" << 7;
+    QTest::newRow("too large changes nothing") << "9999999999" << 7;
+    QTest::newRow("hexadecimal changes nothing") << "0x10" << 7;
+}
+
+void tstEditing::editedCountIsKept()
+{
+    QFETCH(QString, text);
+    QFETCH(int, count);
+    auto task = makeTask({step("a", "", 7)});
+    const Tab tab(*task);
+
+    tab.m_pcTable->item(0, 1)->setText(text);
+
+    QCOMPARE(task->getTaskItem().first().m_nMaxExeTimes, count);
+    QCOMPARE(task->getTaskItem().first().runsAtTaskEnd(), count == 999999999);
+    QCOMPARE(tab.cell(0, 1), text);
+}
+
+void tstEditing::editsOfOtherCellsAreIgnored()
+{
+    auto task = makeTask({step("a", "", 7)});
+    const Tab tab(*task);
+    TaskInfo::appendRow(tab.m_pcTable, step("stray"));
+
+    tab.m_pcTable->item(0, 2)->setText(QStringLiteral("5"));
+    tab.m_pcTable->item(1, 0)->setText(QStringLiteral("x"));
+    tab.m_pcTable->item(1, 1)->setText(QStringLiteral("5"));
+    task->TaskFlowTblCellChanged(-1, 0);
+    task->TaskFlowTblCellChanged(0, 9);
+
+    QCOMPARE(task->getTaskItem().size(), 1);
+    QCOMPARE(task->getTaskItem().first().m_nMaxExeTimes, 7);
+    QVERIFY(task->getTaskItem().first().m_strDescribe.isEmpty());
+}
+
+void tstEditing::typedTextReachesTheStep()
+{
+    auto task = makeTask(steps(QStringLiteral("a")));
+    Tab tab(*task);
+    tab.m_cPage.show();
+    QVERIFY(QTest::qWaitForWindowActive(&tab.m_cPage));
+
+    tab.m_pcTable->editItem(tab.m_pcTable->item(0, 1));
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("12"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+
+    QTRY_COMPARE(task->getTaskItem().first().m_nMaxExeTimes, 12);
+}
+
+void tstEditing::pressingTheSameCellTwiceClearsTheSelection()
+{
+    auto task = makeTask(steps(QStringLiteral("abc")));
+    Tab tab(*task);
+
+    press(tab, 1, 0);
+    QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
+    press(tab, 1, 0);
+    QVERIFY(tab.m_pcTable->selectedItems().isEmpty());
+    press(tab, 1, 0);
+    QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
+}
+
+void tstEditing::pressingAnotherCellMovesTheMemory()
+{
+    auto task = makeTask(steps(QStringLiteral("abc")));
+    Tab tab(*task);
+
+    press(tab, 1, 0);
+    press(tab, 2, 0);
+    QCOMPARE(tab.m_pcTable->selectedItems().first()->row(), 2);
+    press(tab, 1, 0);
+    QCOMPARE(tab.m_pcTable->selectedItems().first()->row(), 1);
+    press(tab, 1, 0);
+    QVERIFY(tab.m_pcTable->selectedItems().isEmpty());
+}
+
+void tstEditing::removedRowIsForgotten()
+{
+    auto task = makeTask(steps(QStringLiteral("abc")));
+    Tab tab(*task);
+    press(tab, 1, 0);
+    const BoxAnswer answer(QMessageBox::Yes);
+    task->delArithm();
+    tab.m_pcTable->clearSelection();
+
+    for (int row = 0; row < 2; ++row) {
+        press(tab, row, 0);
+        QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
+    }
+}
+
+void tstEditing::runHereRunsUpToTheSelectedStep()
+{
+    auto task = makeTask(steps(QStringLiteral("abcde")));
+    const Tab tab(*task);
+    selectRow(tab, 2);
+    const BoxAnswer answer;
+
+    entry(openedMenu(tab), QStringLiteral("执行到选中算法"))->trigger();
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b,c"));
+    QVERIFY(!tab.cell(2, 2).isEmpty());
+    QCOMPARE(tab.cell(3, 2), QString());
+    QCOMPARE(Probes::sourceCalls("start"), 1);
+    QCOMPARE(Probes::sourceCalls("stop"), 1);
+    QCOMPARE(Probes::sourceCalls("requestPicture"), 1);
+    QCOMPARE(answer.m_lstTexts, QStringList());
+}
+
+void tstEditing::runHereNeedsASelection()
+{
+    auto task = makeTask(steps(QStringLiteral("a")));
+    const Tab tab(*task);
+    const BoxAnswer answer;
+
+    task->runHere();
+
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("No arithm is selected.")});
+    QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
+    QCOMPARE(answer.m_lstButtons.first(), QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(Probes::sourceCalls("start"), 0);
+}
+
+void tstEditing::runHereShowsTheFailure()
+{
+    auto task = makeTask({step("a", "oops!"), step("b")});
+    const Tab tab(*task);
+    selectRow(tab, 1);
+    const BoxAnswer answer;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("oops!")));
+
+    task->runHere();
+
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("算法\"Probe\"出错, 错误信息:oops!")});
+    QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
+    QCOMPARE(Probes::sourceCalls("stop"), 1);
+    QCOMPARE(Reports::messages(), QStringList());
+}
+
+void tstEditing::runHereShowsNoEmptyMessage()
+{
+    auto task = makeTask({step("a", "<CMD>stop:enough</CMD>")});
+    const Tab tab(*task);
+    selectRow(tab, 0);
+    const BoxAnswer answer;
+
+    task->runHere();
+
+    QCOMPARE(answer.m_lstTexts, QStringList());
+    QCOMPARE(Reports::prints(), QStringList{QStringLiteral("enough")});
+}
+
+void tstEditing::runHereResetsTheCounters()
+{
+    auto task = makeTask({step("a", "", 1)});
+    const Tab tab(*task);
+    selectRow(tab, 0);
+
+    task->runHere();
+    task->runHere();
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,a"));
+    QCOMPARE(task->getTaskItem().first().m_nExeTimes, 0);
+}
+
+void tstEditing::taskMayBeDeletedWhileABoxIsShown()
+{
+    using Command = void (*)(TaskInfo&, const Tab&);
+    const QList<Command> commands = {
+        [](TaskInfo& task, const Tab&) { task.runHere(); },
+        [](TaskInfo& task, const Tab&) { task.modifyOption(); },
+        [](TaskInfo& task, const Tab&) { task.delArithm(); },
+        [](TaskInfo&, const Tab& tab) { probeEntry(tab)->trigger(); },
+    };
+    for (const Command command : commands) {
+        auto* task = makeSourcelessTask(steps(QStringLiteral("ab"))).release();
+        const QPointer<TaskInfo> watched(task);
+        const Tab tab(*task);
+        selectRow(tab, 1);
+        QTimer deleter;
+        connect(&deleter, &QTimer::timeout, this, [&watched] {
+            if (QApplication::activeModalWidget() && watched)
+                delete watched.data();
+        });
+        deleter.start(1);
+        QTimer closer;
+        connect(&closer, &QTimer::timeout, this, [&watched] {
+            if (!watched && QApplication::activeModalWidget())
+                QApplication::activeModalWidget()->close();
+        });
+        closer.start(5);
+
+        command(*task, tab);
+
+        QVERIFY(!watched);
+        QCOMPARE(Probes::configWindows(), 0);
+    }
+}
+
+QTEST_MAIN(tstEditing)
+#include "tstEditing.moc"
