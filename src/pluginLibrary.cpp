@@ -46,6 +46,22 @@ QString headerProblem(const ElfHeader& header, quint64 fileSize)
     return {};
 }
 
+/**
+ * What is wrong with the table of sections; empty when nothing is, or when the library has none.
+ *
+ * Loading does not need it, but it stands at the end of the file: a file whose rest was never written, as an
+ * interrupted copy leaves it, shows here.
+ */
+QString sectionProblem(QFile& file, const ElfHeader& header)
+{
+    if (header.e_shnum == 0 || header.e_shstrndx == SHN_UNDEF || header.e_shstrndx == SHN_XINDEX)
+        return {};
+    SectionHeader names;
+    file.seek(static_cast<qint64>(header.e_shoff + quint64{header.e_shstrndx} * sizeof names));
+    const bool complete = file.read(reinterpret_cast<char*>(&names), sizeof names) == qint64{sizeof names};
+    return complete && names.sh_type == SHT_STRTAB ? QString() : QStringLiteral("file is damaged");
+}
+
 /// What is wrong with the segments that would be mapped; empty when all of them lie inside the file.
 QString segmentProblem(QFile& file, const ElfHeader& header)
 {
@@ -77,8 +93,10 @@ QString fileProblem(const QString& path)
     ElfHeader header;
     if (file.read(reinterpret_cast<char*>(&header), sizeof header) != qint64{sizeof header})
         return QStringLiteral("file is too short");
-    const QString problem = headerProblem(header, static_cast<quint64>(file.size()));
-    return problem.isEmpty() ? segmentProblem(file, header) : problem;
+    QString problem = headerProblem(header, static_cast<quint64>(file.size()));
+    if (problem.isEmpty())
+        problem = segmentProblem(file, header);
+    return problem.isEmpty() ? sectionProblem(file, header) : problem;
 }
 
 /// Libraries that lack an entry point: neither used nor unloaded, only kept until the process has ended.

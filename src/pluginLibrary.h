@@ -9,8 +9,9 @@
 /**
  * Loads one plug-in library and resolves its entry points: what discovery of algorithms and of data sources share.
  *
- * A file is looked at before it is loaded: one of another machine or word size, one that is no library and one that is
- * shorter than its own program headers promise is refused with a reason instead of killing the process. Symbols are
+ * A file is looked at before it is loaded: one of another machine or word size, one that is no library, one that is
+ * shorter than its own headers promise and one whose end was never written is refused with a reason instead of killing
+ * the process. Symbols are
  * resolved at once, so a library that lacks a function of another library is refused too, not at its first call.
  *
  * Threads: used on the window's thread, under the lock of the registry that discovers.

@@ -90,6 +90,32 @@ private slots:
         QCOMPARE(int(library.state()), int(State::Complete));
     }
 
+    void libraryWhoseRestWasNeverWrittenIsRefusedAndNeverCrashes_data()
+    {
+        QTest::addColumn<char>("filler");
+        QTest::newRow("zeros") << '\0';
+        QTest::newRow("garbage") << '\xA5';
+    }
+
+    void libraryWhoseRestWasNeverWrittenIsRefusedAndNeverCrashes()
+    {
+        QFETCH(char, filler);
+        const QByteArray whole = libraryBytes("algorithmEcho");
+        for (int length = 0; length < whole.size() - 64; length += length < 20000 ? 101 : whole.size() / 50)
+            refused(whole.left(length) + QByteArray(whole.size() - length, filler));
+    }
+
+    void libraryWithoutATableOfSectionsLoads()
+    {
+        const QByteArray stripped = withHeader(libraryBytes("algorithmEcho"), [](ElfW(Ehdr) & header) {
+            header.e_shoff = 0;
+            header.e_shnum = 0;
+            header.e_shstrndx = 0;
+        });
+        PluginLibrary library(write("stripped.so", stripped), m_vecNames);
+        QCOMPARE(int(library.state()), int(State::Complete));
+    }
+
     void whatIsNoLibraryForThisMachineIsRefused_data()
     {
         using Header = ElfW(Ehdr);
@@ -119,6 +145,7 @@ private slots:
             << header([](Header& h) { h.e_phoff = std::numeric_limits<decltype(h.e_phoff)>::max() - 8; });
         QTest::newRow("sections far away")
             << header([](Header& h) { h.e_shoff = std::numeric_limits<decltype(h.e_shoff)>::max() - 8; });
+        QTest::newRow("section names elsewhere") << header([](Header& h) { h.e_shstrndx = 1; });
         QTest::newRow("segment too long")
             << segment([](Segment& s) { s.p_filesz = std::numeric_limits<decltype(s.p_filesz)>::max(); });
         QTest::newRow("segment behind the end")

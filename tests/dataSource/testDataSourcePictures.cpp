@@ -1,3 +1,4 @@
+#include "memoryLimit.h"
 #include "scriptedSource.h"
 
 #include <QtTest>
@@ -155,6 +156,20 @@ private slots:
             QCOMPARE(record->getHeight(), 3);
             QCOMPARE(bytesAt(record->getGray8(), 12), scriptedPixels(0, 4, 4, 3));
         }
+    }
+
+    void pictureThatMemoryDoesNotSufficeForIsRefusedAndReleased()
+    {
+        if (!MemoryLimit::works())
+            QSKIP("Memory cannot be limited under a sanitizer.");
+        const Instance instance = m_cSource.create("RGB", "report=20000x20000,4x3");
+        {
+            const MemoryLimit limit(400 << 20);
+            QVERIFY(!instance->execute());
+        }
+        QCOMPARE(m_cSource.calls("releasePicture"), 1);
+        QVERIFY(instance->execute());
+        QCOMPARE(m_cSource.store()->findParamDIB(3)->getWidth(), 4);
     }
 
     void nullBufferWithASizeIsRefusedAndReleased()

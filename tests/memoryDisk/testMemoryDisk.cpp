@@ -1,4 +1,5 @@
 #include "diskPictures.h"
+#include "memoryLimit.h"
 
 #include <QSet>
 #include <QtTest>
@@ -260,6 +261,23 @@ private slots:
         QVERIFY(!disk->addGray8(nullptr, 4, 2));
         QCOMPARE(disk->getDIBIdleNum(), 6);
         QCOMPARE(disk->getGray8IdleNum(), 6);
+    }
+
+    void pictureThatMemoryDoesNotSufficeForIsRefusedAndItsSlotStaysInUse()
+    {
+        if (!MemoryLimit::works())
+            QSKIP("Memory cannot be limited under a sanitizer.");
+        MemoryDisk* disk = MemoryDisk::getInstance(5);
+        {
+            const MemoryLimit limit(400 << 20);
+            for (int round = 0; round < 7; ++round)
+                QVERIFY(!ColourKind::add(disk, numberedBytes(24, 0), 20000, 20000));
+        }
+        QCOMPARE(disk->getDIBIdleNum(), 6);
+        QCOMPARE(disk->getDIBPreparedNum(), 0);
+        for (int number = 0; number < 6; ++number)
+            addNumbered<ColourKind>(disk, number);
+        order<GreyKind>(disk);
     }
 
     void colourAndGreyPoolsAndDisksAreIndependent()
