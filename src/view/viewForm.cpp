@@ -56,6 +56,7 @@ ViewForm::ViewForm(int index, QWidget* parent)
 {
     m_pcUi->setupUi(this);
     m_pcUi->lblName->setText(QStringLiteral("视窗") + QString::number(index + 1));
+    m_pcUi->lblName->adjustSize();  // The same text is taller in some fonts.
     connect(m_pcTimer.get(), &QTimer::timeout, this, &ViewForm::timeout);
     m_pcTimer->start(RefreshPeriodMs);
 }
