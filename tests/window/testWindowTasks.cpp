@@ -1,0 +1,413 @@
+#include "windowFixture.h"
+
+#include <QHeaderView>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include <unistd.h>
+
+/// The task commands: tabs, add, delete, start and stop, and what errors of tasks show.
+class TestWindowTasks : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void addedTaskGetsATabWithItsWidgetsInOrder();
+    void threadComboHasOneEntryForEachConfiguredProcessor();
+    void flowTableHasItsHeadersWidthsAndTip();
+    void headersFitIntoTheirColumns();
+    void addedTabBecomesCurrentAndItsIndexTheId();
+    void emptyNameIsAllowed();
+    void cancelledNameAddsNothing();
+    void combosSteerTheTask();
+    void deleteWithoutATabAsksNothing();
+    void deleteAnsweredNoKeepsTheTask();
+    void deleteAnsweredYesRemovesTaskAndTab();
+    void deletingTheMiddleOfThreeLeavesTheIdsZeroAndTwo();
+    void replacedTaskGoesOnAndItsTabWorksKeptOnPurpose();
+    void deletingAShiftedTabLeavesItsTaskRunningKeptOnPurpose();
+    void startAllAndStopAllWalkTheIdsBelowTheNumberKeptOnPurpose();
+    void startAllLeavesRunningTasksAlone();
+    void functionKeysStartAndStopAll();
+    void taskWithoutSourceShowsOneBox();
+    void boxesOfManyTasksFollowOneAnotherAndNoneIsLost();
+    void markupInAMessageIsShownAsItIs();
+    void destroyingTheWindowStopsRunningTasks();
+
+private:
+    void openThreeRunnable(const WindowFixture& fixture);
+
+    std::unique_ptr<QTemporaryDir> m_pcFolder;
+};
+
+namespace {
+
+int threadNum()
+{
+    return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+}
+
+const QString Start = QStringLiteral("执行任务");
+const QString Stop = QStringLiteral("停止任务");
+
+}  // namespace
+
+void TestWindowTasks::init()
+{
+    m_pcFolder = std::make_unique<QTemporaryDir>();
+}
+
+void TestWindowTasks::openThreeRunnable(const WindowFixture& fixture)
+{
+    const QString path = m_pcFolder->filePath(QStringLiteral("three.lmv"));
+    writeFile(path, taskOnDisk("a", 0) + taskOnDisk("b", 1) + taskOnDisk("c", 2));
+    QVERIFY(fixture.open(path));
+    QCOMPARE(fixture.tabs()->count(), 3);
+}
+
+void TestWindowTasks::addedTaskGetsATabWithItsWidgetsInOrder()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QStringLiteral("检测")));
+
+    QCOMPARE(fixture.tabs()->count(), 1);
+    QCOMPARE(fixture.tabs()->tabText(0), QStringLiteral("检测"));
+    auto* const layout = qobject_cast<QVBoxLayout*>(fixture.tabs()->widget(0)->layout());
+    QVERIFY(layout != nullptr);
+    QCOMPARE(layout->count(), 5);
+    const auto* const run = qobject_cast<QPushButton*>(layout->itemAt(0)->widget());
+    const auto* const threads = qobject_cast<QComboBox*>(layout->itemAt(1)->widget());
+    const auto* const views = qobject_cast<QComboBox*>(layout->itemAt(2)->widget());
+    const auto* const source = qobject_cast<QPushButton*>(layout->itemAt(3)->widget());
+    QVERIFY(run != nullptr && threads != nullptr && views != nullptr && source != nullptr);
+    QVERIFY(qobject_cast<QTableWidget*>(layout->itemAt(4)->widget()) != nullptr);
+    QCOMPARE(run->text(), Start);
+    QCOMPARE(source->text(), QStringLiteral("图片来源"));
+    QStringList texts;
+    for (int i = 0; i < views->count(); ++i)
+        texts.append(views->itemText(i));
+    QCOMPARE(texts, QStringList({"视窗1", "视窗2", "视窗3", "视窗4"}));
+    QCOMPARE(threads->itemText(0), QStringLiteral("自动线程"));
+}
+
+void TestWindowTasks::threadComboHasOneEntryForEachConfiguredProcessor()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QStringLiteral("a")));
+    const auto* const threads = fixture.tabs()->widget(0)->findChildren<QComboBox*>().at(0);
+    const int processors =
+        QDir(QStringLiteral("/sys/devices/system/cpu")).entryList({QStringLiteral("cpu[0-9]*")}, QDir::Dirs).size();
+    if (processors > 0)
+        QCOMPARE(threads->count(), 1 + processors);
+    QVERIFY(threads->count() >= 2);
+    for (int i = 1; i < threads->count(); ++i)
+        QCOMPARE(threads->itemText(i), QStringLiteral("绑定线程%1").arg(i - 1));
+}
+
+void TestWindowTasks::flowTableHasItsHeadersWidthsAndTip()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QStringLiteral("a")));
+    const QTableWidget* const table = fixture.table(0);
+    QCOMPARE(table->columnCount(), 3);
+    QCOMPARE(table->rowCount(), 0);
+    QCOMPARE(table->horizontalHeaderItem(0)->text(), QStringLiteral("功能名称"));
+    QCOMPARE(table->horizontalHeaderItem(1)->text(), QStringLiteral("次数"));
+    QCOMPARE(table->horizontalHeaderItem(2)->text(), QStringLiteral("耗时"));
+    QCOMPARE(table->columnWidth(0), 150);
+    QCOMPARE(table->columnWidth(1), 35);
+    QCOMPARE(table->columnWidth(2), 35);
+    QCOMPARE(table->toolTip(), QStringLiteral("次数999999999(9个9)表示任务结束时才执行的算法"));
+}
+
+void TestWindowTasks::headersFitIntoTheirColumns()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QStringLiteral("a")));
+    const QTableWidget* const table = fixture.table(0);
+    const QHeaderView* const header = table->horizontalHeader();
+    const int margin = header->style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, header);
+    for (int column = 0; column < 3; ++column) {
+        const QString text = table->horizontalHeaderItem(column)->text();
+        QVERIFY(header->fontMetrics().horizontalAdvance(text) + 2 * margin <= table->columnWidth(column));
+    }
+}
+
+void TestWindowTasks::addedTabBecomesCurrentAndItsIndexTheId()
+{
+    const WindowFixture fixture;
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(fixture.addTask(QStringLiteral("task%1").arg(i)));
+        QCOMPARE(fixture.tabs()->currentIndex(), i);
+        QCOMPARE(TaskMgr::getInstance()->getTask(i)->getName(), QStringLiteral("task%1").arg(i));
+    }
+    QCOMPARE(TaskMgr::getInstance()->getTaskNum(), 3);
+}
+
+void TestWindowTasks::emptyNameIsAllowed()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QString()));
+    QCOMPARE(fixture.tabs()->count(), 1);
+    QCOMPARE(fixture.tabs()->tabText(0), QString());
+    QCOMPARE(TaskMgr::getInstance()->getTask(0)->getName(), QString());
+}
+
+void TestWindowTasks::cancelledNameAddsNothing()
+{
+    const WindowFixture fixture;
+    ModalDriver driver;
+    driver.name(QStringLiteral("a"), "btnCancel");
+    fixture.trigger("addProcess");
+    QVERIFY(driver.done());
+    QCOMPARE(fixture.tabs()->count(), 0);
+    QCOMPARE(TaskMgr::getInstance()->getTaskNum(), 0);
+}
+
+void TestWindowTasks::combosSteerTheTask()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QStringLiteral("a")));
+    const auto combos = fixture.tabs()->widget(0)->findChildren<QComboBox*>();
+    combos.at(0)->setCurrentIndex(1);
+    combos.at(1)->setCurrentIndex(2);
+    QCOMPARE(TaskMgr::getInstance()->getTask(0)->getKernel(), 1);
+    QCOMPARE(TaskMgr::getInstance()->getTask(0)->getView(), 2);
+}
+
+void TestWindowTasks::deleteWithoutATabAsksNothing()
+{
+    const WindowFixture fixture;
+    ModalDriver driver;
+    fixture.trigger("delProcess");
+    QVERIFY(driver.done());
+}
+
+void TestWindowTasks::deleteAnsweredNoKeepsTheTask()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QStringLiteral("a")));
+    ModalDriver driver;
+    driver.box(QMessageBox::No);
+    fixture.trigger("delProcess");
+    QVERIFY(driver.done());
+    QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, QStringLiteral("警告"));
+    QCOMPARE(driver.m_lstBoxes.at(0).m_strText, QStringLiteral("是否确定要删除当前显示的任务."));
+    QCOMPARE(driver.m_lstBoxes.at(0).m_nButtons, QMessageBox::Yes | QMessageBox::No);
+    QCOMPARE(driver.m_lstBoxes.at(0).m_nDefault, QMessageBox::No);
+    QCOMPARE(fixture.tabs()->count(), 1);
+    QVERIFY(TaskMgr::getInstance()->getTask(0) != nullptr);
+}
+
+void TestWindowTasks::deleteAnsweredYesRemovesTaskAndTab()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QStringLiteral("a")));
+    const QPointer<TaskInfo> task = TaskMgr::getInstance()->getTask(0);
+    const QPointer<QWidget> page = fixture.tabs()->widget(0);
+    ModalDriver driver;
+    driver.box(QMessageBox::Yes);
+    fixture.trigger("delProcess");
+    QVERIFY(driver.done());
+    QVERIFY(task.isNull());
+    QCOMPARE(fixture.tabs()->count(), 0);
+    QCOMPARE(TaskMgr::getInstance()->getTaskNum(), 0);
+    QTRY_VERIFY(page.isNull());
+}
+
+void TestWindowTasks::deletingTheMiddleOfThreeLeavesTheIdsZeroAndTwo()
+{
+    const WindowFixture fixture;
+    for (const char* const name : {"a", "b", "c"})
+        QVERIFY(fixture.addTask(QString::fromLatin1(name)));
+    TaskInfo* const third = TaskMgr::getInstance()->getTask(2);
+    fixture.tabs()->setCurrentIndex(1);
+    QVERIFY(fixture.deleteTask());
+
+    QCOMPARE(fixture.tabs()->count(), 2);
+    QCOMPARE(fixture.tabs()->tabText(0), QStringLiteral("a"));
+    QCOMPARE(fixture.tabs()->tabText(1), QStringLiteral("c"));
+    QCOMPARE(TaskMgr::getInstance()->getTaskNum(), 2);
+    QVERIFY(TaskMgr::getInstance()->getTask(0) != nullptr);
+    QVERIFY(TaskMgr::getInstance()->getTask(1) == nullptr);
+    QCOMPARE(TaskMgr::getInstance()->getTask(2), third);
+}
+
+void TestWindowTasks::replacedTaskGoesOnAndItsTabWorksKeptOnPurpose()
+{
+    const int threadsBefore = threadNum();
+    WindowFixture fixture;
+    openThreeRunnable(fixture);
+    const QPointer<TaskInfo> third = TaskMgr::getInstance()->getTask(2);
+    fixture.press("btnStartAll");
+    QVERIFY(third->IsRunning());
+    fixture.tabs()->setCurrentIndex(1);
+    QVERIFY(fixture.deleteTask());
+
+    QVERIFY(fixture.addTask(QStringLiteral("new")));
+
+    QCOMPARE(fixture.tabs()->count(), 3);
+    QCOMPARE(TaskMgr::getInstance()->getTask(2)->getName(), QStringLiteral("new"));
+    QVERIFY(!third.isNull());
+    QVERIFY(third->IsRunning());
+    fixture.tabs()->setCurrentIndex(1);
+    QCOMPARE(fixture.runButton(1)->text(), Stop);
+    QTest::mouseClick(fixture.runButton(1), Qt::LeftButton);
+    QCOMPARE(fixture.runButton(1)->text(), Start);
+    QVERIFY(!third->IsRunning());
+    QTest::mouseClick(fixture.runButton(1), Qt::LeftButton);
+    QVERIFY(third->IsRunning());
+
+    ModalDriver driver;
+    driver.box(QMessageBox::Yes);
+    QVERIFY(fixture.m_pcWindow->close());
+    QVERIFY(driver.done());
+    QVERIFY(third.isNull());
+    QTRY_VERIFY(threadNum() <= threadsBefore + 1);  // The platform may have started one of its own.
+}
+
+void TestWindowTasks::deletingAShiftedTabLeavesItsTaskRunningKeptOnPurpose()
+{
+    const WindowFixture fixture;
+    openThreeRunnable(fixture);
+    const QPointer<TaskInfo> third = TaskMgr::getInstance()->getTask(2);
+    third->startTask();
+    fixture.tabs()->setCurrentIndex(1);
+    QVERIFY(fixture.deleteTask());
+    QCOMPARE(fixture.tabs()->tabText(1), QStringLiteral("c"));
+    fixture.tabs()->setCurrentIndex(1);
+    const QPointer<QWidget> page = fixture.tabs()->widget(1);
+
+    QVERIFY(fixture.deleteTask());
+
+    QCOMPARE(fixture.tabs()->count(), 1);
+    QTRY_VERIFY(page.isNull());
+    QVERIFY(!third.isNull());
+    QVERIFY(third->IsRunning());
+    third->stopTask();  // Its widgets are gone.
+    QVERIFY(!third->IsRunning());
+}
+
+void TestWindowTasks::startAllAndStopAllWalkTheIdsBelowTheNumberKeptOnPurpose()
+{
+    const WindowFixture fixture;
+    openThreeRunnable(fixture);
+    fixture.tabs()->setCurrentIndex(0);
+    QVERIFY(fixture.deleteTask());
+    QCOMPARE(TaskMgr::getInstance()->getTaskNum(), 2);
+
+    fixture.press("btnStartAll");
+    QVERIFY(TaskMgr::getInstance()->getTask(1)->IsRunning());
+    QVERIFY(!TaskMgr::getInstance()->getTask(2)->IsRunning());
+
+    TaskMgr::getInstance()->getTask(2)->startTask();
+    fixture.press("btnStopAll");
+    QVERIFY(!TaskMgr::getInstance()->getTask(1)->IsRunning());
+    QVERIFY(TaskMgr::getInstance()->getTask(2)->IsRunning());
+}
+
+void TestWindowTasks::startAllLeavesRunningTasksAlone()
+{
+    const WindowFixture fixture;
+    openThreeRunnable(fixture);
+    QTest::mouseClick(fixture.runButton(0), Qt::LeftButton);
+    QVERIFY(TaskMgr::getInstance()->getTask(0)->IsRunning());
+
+    fixture.press("btnStartAll");
+    for (int id = 0; id < 3; ++id) {
+        QVERIFY(TaskMgr::getInstance()->getTask(id)->IsRunning());
+        QCOMPARE(fixture.runButton(id)->text(), Stop);
+    }
+    fixture.press("btnStopAll");
+    for (int id = 0; id < 3; ++id) {
+        QVERIFY(!TaskMgr::getInstance()->getTask(id)->IsRunning());
+        QCOMPARE(fixture.runButton(id)->text(), Start);
+    }
+}
+
+void TestWindowTasks::functionKeysStartAndStopAll()
+{
+    const WindowFixture fixture;
+    openThreeRunnable(fixture);
+    QApplication::setActiveWindow(fixture.m_pcWindow.get());
+    QTest::keyClick(fixture.m_pcWindow.get(), Qt::Key_F5);
+    QTRY_VERIFY(TaskMgr::getInstance()->getTask(2)->IsRunning());
+    QTest::keyClick(fixture.m_pcWindow.get(), Qt::Key_F5, Qt::ShiftModifier);
+    QTRY_VERIFY(!TaskMgr::getInstance()->getTask(0)->IsRunning());
+}
+
+void TestWindowTasks::taskWithoutSourceShowsOneBox()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QStringLiteral("a")));
+    ModalDriver driver;
+    driver.box(QMessageBox::Ok);
+    QTest::mouseClick(fixture.runButton(0), Qt::LeftButton);
+    QTRY_COMPARE(driver.m_lstBoxes.size(), 1);
+    QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, QStringLiteral("警告"));
+    QCOMPARE(driver.m_lstBoxes.at(0).m_strText, QStringLiteral("No datasource assigned."));
+    QTRY_COMPARE(fixture.runButton(0)->text(), Start);
+    QVERIFY(driver.done());
+}
+
+void TestWindowTasks::boxesOfManyTasksFollowOneAnotherAndNoneIsLost()
+{
+    constexpr int TaskNum = 6;
+    const WindowFixture fixture;
+    for (int i = 0; i < TaskNum; ++i)
+        QVERIFY(fixture.addTask(QString::number(i)));
+    ModalDriver driver;
+    for (int i = 0; i < TaskNum; ++i) {
+        // Open for a while, so that the other tasks end meanwhile.
+        driver.dialog([&driver](QWidget* widget) {
+            driver.m_lstBoxes.append(ModalDriver::Box());
+            ModalDriver::press(qobject_cast<QMessageBox*>(widget)->button(QMessageBox::Ok), 150);
+            return true;
+        });
+    }
+
+    fixture.press("btnStartAll");
+
+    QTRY_COMPARE(driver.m_lstBoxes.size(), TaskNum);
+    QTRY_COMPARE(fixture.runButton(0)->text(), Start);
+    QTRY_VERIFY(QApplication::activeModalWidget() == nullptr);
+    for (int i = 0; i < TaskNum; ++i)
+        QVERIFY(!TaskMgr::getInstance()->getTask(i)->IsRunning());
+    QVERIFY(driver.done());
+    QCOMPARE(driver.m_nMostBoxes, 1);
+}
+
+void TestWindowTasks::markupInAMessageIsShownAsItIs()
+{
+    const WindowFixture fixture;
+    ModalDriver driver;
+    driver.dialog([&driver](QWidget* widget) {
+        auto* const box = qobject_cast<QMessageBox*>(widget);
+        driver.m_lstBoxes.append({box->windowTitle(), box->text(), box->standardButtons(), QMessageBox::NoButton});
+        const bool plain = box->textFormat() == Qt::PlainText;
+        ModalDriver::press(box->button(QMessageBox::Ok));
+        return plain;
+    });
+    HaveErrorMessage(QStringLiteral("<CMD>stop</CMD>"));
+    QVERIFY(driver.done());
+    QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, QStringLiteral("警告"));
+    QCOMPARE(driver.m_lstBoxes.at(0).m_strText, QStringLiteral("<CMD>stop</CMD>"));
+}
+
+void TestWindowTasks::destroyingTheWindowStopsRunningTasks()
+{
+    QPointer<TaskInfo> task;
+    {
+        const WindowFixture fixture;
+        openThreeRunnable(fixture);
+        fixture.press("btnStartAll");
+        task = TaskMgr::getInstance()->getTask(1);
+        QVERIFY(task->IsRunning());
+    }
+    QVERIFY(task.isNull());
+    QVERIFY(TaskMgr::s_pcInstance.load() == nullptr);
+}
+
+QTEST_MAIN(TestWindowTasks)
+#include "testWindowTasks.moc"
