@@ -2,9 +2,8 @@
 #include "blurOption.h"
 
 #include <lumivant/algorithm.h>
-#include <messages.h>
-#include <pictureViews.h>
 #include <stepEntry.h>
+#include <stepRun.h>
 
 #include <opencv2/imgproc.hpp>
 
@@ -21,27 +20,13 @@ void blurInto(cv::Mat& output, const cv::Mat& input, const BlurOption& option)
         cv::medianBlur(input, output, option.size);
 }
 
-template <typename Record>
-QString blurRecord(const cv::Mat& input, Record* record, const BlurOption& option)
-{
-    if (!record)
-        return Messages::notConfigured();
-    cv::Mat output = viewOutput(*record, input.size());
-    if (output.empty())
-        return Messages::noMemory(option.output.id);
-    blurInto(output, input, option);
-    return QString();
-}
-
 QString blur(const QString& text, ArithmParamMgr& store)
 {
     const BlurOption option = BlurOption::read(text);
-    const InputView input = viewInput(store, option.input);
-    if (!input.error.isEmpty())
-        return input.error;
+    const auto fill = [&option](cv::Mat& output, const cv::Mat& input) { blurInto(output, input, option); };
     return option.input.kind == PictureKind::Colour
-               ? blurRecord(input.mat, option.output.open(store, &ArithmParamMgr::getParamDIB), option)
-               : blurRecord(input.mat, option.output.open(store, &ArithmParamMgr::getParamGray8), option);
+               ? StepRun::makePicture(store, option.input, option.output, &ArithmParamMgr::getParamDIB, fill)
+               : StepRun::makePicture(store, option.input, option.output, &ArithmParamMgr::getParamGray8, fill);
 }
 
 }  // namespace

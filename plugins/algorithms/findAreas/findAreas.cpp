@@ -2,9 +2,8 @@
 #include "findAreasOption.h"
 
 #include <lumivant/algorithm.h>
-#include <messages.h>
-#include <pictureViews.h>
 #include <stepEntry.h>
+#include <stepRun.h>
 
 #include <opencv2/imgproc.hpp>
 
@@ -51,18 +50,21 @@ QString commandsFor(int count, const FindAreasOption& option)
 QString findAreasStep(const QString& text, ArithmParamMgr& store)
 {
     const FindAreasOption option = FindAreasOption::read(text);
-    const InputView input = viewInput(store, option.input);
-    if (!input.error.isEmpty())
-        return input.error;
-    ParamAreas* record = option.areas.open(store, &ArithmParamMgr::getParamAreas);
+    int count = 0;
+    const QString error =
+        StepRun::makeList(store, option.input, option.areas, &ArithmParamMgr::getParamAreas, [&](const cv::Mat& input) {
+            const QVector<ParamAreas::Area> areas = findAreas(input, option);
+            count = areas.size();
+            return areas;
+        });
+    if (!error.isEmpty())
+        return error;
     ParamStrings* countRecord = option.count.open(store, &ArithmParamMgr::getParamStrings);
-    if (!record || !countRecord)
+    if (!countRecord)
         return Messages::notConfigured();
-    const QVector<ParamAreas::Area> areas = findAreas(input.mat, option);
-    record->replaceAll(areas);
     // Drawn as Latin-1, so the text is plain ASCII.
-    countRecord->replaceAll({"Areas: " + QByteArray::number(areas.size())});
-    return commandsFor(areas.size(), option);
+    countRecord->replaceAll({"Areas: " + QByteArray::number(count)});
+    return commandsFor(count, option);
 }
 
 }  // namespace

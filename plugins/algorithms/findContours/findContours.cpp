@@ -2,9 +2,8 @@
 #include "findContoursOption.h"
 
 #include <lumivant/algorithm.h>
-#include <messages.h>
-#include <pictureViews.h>
 #include <stepEntry.h>
+#include <stepRun.h>
 
 #include <opencv2/imgproc.hpp>
 
@@ -39,14 +38,8 @@ QVector<ParamPolys::Poly> findContours(const cv::Mat& input, const FindContoursO
 QString findContoursStep(const QString& text, ArithmParamMgr& store)
 {
     const FindContoursOption option = FindContoursOption::read(text);
-    const InputView input = viewInput(store, option.input);
-    if (!input.error.isEmpty())
-        return input.error;
-    ParamPolys* record = option.output.open(store, &ArithmParamMgr::getParamPolys);
-    if (!record)
-        return Messages::notConfigured();
-    record->replaceAll(findContours(input.mat, option));
-    return QString();
+    return StepRun::makeList(store, option.input, option.output, &ArithmParamMgr::getParamPolys,
+                             [&option](const cv::Mat& input) { return findContours(input, option); });
 }
 
 }  // namespace

@@ -2,9 +2,8 @@
 #include "findCornersOption.h"
 
 #include <lumivant/algorithm.h>
-#include <messages.h>
-#include <pictureViews.h>
 #include <stepEntry.h>
+#include <stepRun.h>
 
 #include <opencv2/imgproc.hpp>
 
@@ -24,14 +23,8 @@ QVector<ParamPoints::Point> findCorners(const cv::Mat& input, const FindCornersO
 QString findCornersStep(const QString& text, ArithmParamMgr& store)
 {
     const FindCornersOption option = FindCornersOption::read(text);
-    const InputView input = viewInput(store, option.input);
-    if (!input.error.isEmpty())
-        return input.error;
-    ParamPoints* record = option.output.open(store, &ArithmParamMgr::getParamPoints);
-    if (!record)
-        return Messages::notConfigured();
-    record->replaceAll(findCorners(input.mat, option));
-    return QString();
+    return StepRun::makeList(store, option.input, option.output, &ArithmParamMgr::getParamPoints,
+                             [&option](const cv::Mat& input) { return findCorners(input, option); });
 }
 
 }  // namespace

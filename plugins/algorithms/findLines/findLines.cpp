@@ -2,9 +2,8 @@
 #include "findLinesOption.h"
 
 #include <lumivant/algorithm.h>
-#include <messages.h>
-#include <pictureViews.h>
 #include <stepEntry.h>
+#include <stepRun.h>
 
 #include <opencv2/imgproc.hpp>
 
@@ -26,14 +25,8 @@ QVector<ParamLines::Line> findLines(const cv::Mat& input, const FindLinesOption&
 QString findLinesStep(const QString& text, ArithmParamMgr& store)
 {
     const FindLinesOption option = FindLinesOption::read(text);
-    const InputView input = viewInput(store, option.input);
-    if (!input.error.isEmpty())
-        return input.error;
-    ParamLines* record = option.output.open(store, &ArithmParamMgr::getParamLines);
-    if (!record)
-        return Messages::notConfigured();
-    record->replaceAll(findLines(input.mat, option));
-    return QString();
+    return StepRun::makeList(store, option.input, option.output, &ArithmParamMgr::getParamLines,
+                             [&option](const cv::Mat& input) { return findLines(input, option); });
 }
 
 }  // namespace

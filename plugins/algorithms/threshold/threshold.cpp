@@ -2,9 +2,8 @@
 #include "thresholdOption.h"
 
 #include <lumivant/algorithm.h>
-#include <messages.h>
-#include <pictureViews.h>
 #include <stepEntry.h>
+#include <stepRun.h>
 
 #include <opencv2/imgproc.hpp>
 
@@ -24,17 +23,9 @@ void thresholdInto(cv::Mat& output, const cv::Mat& input, const ThresholdOption&
 QString threshold(const QString& text, ArithmParamMgr& store)
 {
     const ThresholdOption option = ThresholdOption::read(text);
-    const InputView input = viewInput(store, option.input);
-    if (!input.error.isEmpty())
-        return input.error;
-    ParamGray8* record = option.output.open(store, &ArithmParamMgr::getParamGray8);
-    if (!record)
-        return Messages::notConfigured();
-    cv::Mat output = viewOutput(*record, input.mat.size());
-    if (output.empty())
-        return Messages::noMemory(option.output.id);
-    thresholdInto(output, input.mat, option);
-    return QString();
+    return StepRun::makePicture(
+        store, option.input, option.output, &ArithmParamMgr::getParamGray8,
+        [&option](cv::Mat& output, const cv::Mat& input) { thresholdInto(output, input, option); });
 }
 
 }  // namespace

@@ -2,9 +2,8 @@
 #include "toGrayOption.h"
 
 #include <lumivant/algorithm.h>
-#include <messages.h>
-#include <pictureViews.h>
 #include <stepEntry.h>
+#include <stepRun.h>
 
 #include <opencv2/imgproc.hpp>
 
@@ -13,17 +12,9 @@ namespace {
 QString toGray(const QString& text, ArithmParamMgr& store)
 {
     const ToGrayOption option = ToGrayOption::read(text);
-    const InputView input = viewInput(store, option.input);
-    if (!input.error.isEmpty())
-        return input.error;
-    ParamGray8* record = option.output.open(store, &ArithmParamMgr::getParamGray8);
-    if (!record)
-        return Messages::notConfigured();
-    cv::Mat output = viewOutput(*record, input.mat.size());
-    if (output.empty())
-        return Messages::noMemory(option.output.id);
-    cv::cvtColor(input.mat, output, cv::COLOR_BGR2GRAY);
-    return QString();
+    return StepRun::makePicture(
+        store, option.input, option.output, &ArithmParamMgr::getParamGray8,
+        [](cv::Mat& output, const cv::Mat& input) { cv::cvtColor(input, output, cv::COLOR_BGR2GRAY); });
 }
 
 }  // namespace
