@@ -40,107 +40,82 @@ void apply(const DrawingConfigText::GrayConfig& config, Drawing::GrayDrawingOpt&
     option.setMaskColor(config.m_nMaskColor);
 }
 
-Option colourOption(int id, const OptionReader& reader, const ArithmParamMgr* store)
+void apply(const DrawingConfigText::PointsConfig& config, Drawing::PointsDrawingOpt& option)
 {
-    const ParamDIB* record = store ? store->findParamDIB(id) : nullptr;
+    option.setSize(config.m_nSize);
+    option.setColor(config.m_nColor);
+}
+
+void apply(const DrawingConfigText::LinesConfig& config, Drawing::LinesDrawingOpt& option)
+{
+    option.setSize(config.m_nSize);
+    option.setColor(config.m_nColor);
+    option.setDisplayLength(config.m_bDisplayLength);
+}
+
+void apply(const DrawingConfigText::PolysConfig& config, Drawing::PolysDrawingOpt& option)
+{
+    option.setBorderSize(config.m_nBorderSize);
+    option.setBorderColor(config.m_nBorderColor);
+    option.setDisplayArea(config.m_bDisplayArea);
+}
+
+void apply(const DrawingConfigText::AreasConfig& config, Drawing::AreasDrawingOpt& option)
+{
+    option.setColor(config.m_nColor);
+    option.setDisplayArea(config.m_bDisplayArea);
+}
+
+void apply(const DrawingConfigText::StringsConfig& config, Drawing::StringsDrawingOpt& option)
+{
+    option.setColor(config.m_nColor);
+    option.setPos(config.m_nPosX, config.m_nPosY);
+    option.setFontSize(config.m_nFontSize);
+}
+
+/// An option with a copy of a record's pixels; null when there is no record.
+template <typename Kind, typename Config, typename Record, typename Sample>
+Option pictureOption(int id, const OptionReader& reader, const Record* record, Sample* (Record::*pixels)() const)
+{
     if (!record)
         return nullptr;
-    auto option =
-        std::make_unique<Drawing::DIBDrawingOpt>(id, record->getDIB(), record->getWidth(), record->getHeight());
-    apply(readConfig<DrawingConfigText::ImageConfig>(reader), *option);
+    auto option = std::make_unique<Kind>(id, (record->*pixels)(), record->getWidth(), record->getHeight());
+    apply(readConfig<Config>(reader), *option);
     return option;
 }
 
-Option gray8Option(int id, const OptionReader& reader, const ArithmParamMgr* store)
+template <typename Kind, typename Config>
+Option shapeOption(int id, const OptionReader& reader)
 {
-    const ParamGray8* record = store ? store->findParamGray8(id) : nullptr;
-    if (!record)
-        return nullptr;
-    auto option =
-        std::make_unique<Drawing::Gray8DrawingOpt>(id, record->getGray8(), record->getWidth(), record->getHeight());
-    apply(readConfig<DrawingConfigText::GrayConfig>(reader), *option);
-    return option;
-}
-
-Option gray16Option(int id, const OptionReader& reader, const ArithmParamMgr* store)
-{
-    const ParamGray16* record = store ? store->findParamGray16(id) : nullptr;
-    if (!record)
-        return nullptr;
-    auto option =
-        std::make_unique<Drawing::Gray16DrawingOpt>(id, record->getGray16(), record->getWidth(), record->getHeight());
-    apply(readConfig<DrawingConfigText::GrayConfig>(reader), *option);
-    return option;
-}
-
-Option pointsOption(int id, const OptionReader& reader)
-{
-    const auto config = readConfig<DrawingConfigText::PointsConfig>(reader);
-    auto option = std::make_unique<Drawing::PointsDrawingOpt>(id);
-    option->setSize(config.m_nSize);
-    option->setColor(config.m_nColor);
-    return option;
-}
-
-Option linesOption(int id, const OptionReader& reader)
-{
-    const auto config = readConfig<DrawingConfigText::LinesConfig>(reader);
-    auto option = std::make_unique<Drawing::LinesDrawingOpt>(id);
-    option->setSize(config.m_nSize);
-    option->setColor(config.m_nColor);
-    option->setDisplayLength(config.m_bDisplayLength);
-    return option;
-}
-
-Option polysOption(int id, const OptionReader& reader)
-{
-    const auto config = readConfig<DrawingConfigText::PolysConfig>(reader);
-    auto option = std::make_unique<Drawing::PolysDrawingOpt>(id);
-    option->setBorderSize(config.m_nBorderSize);
-    option->setBorderColor(config.m_nBorderColor);
-    option->setDisplayArea(config.m_bDisplayArea);
-    return option;
-}
-
-Option areasOption(int id, const OptionReader& reader)
-{
-    const auto config = readConfig<DrawingConfigText::AreasConfig>(reader);
-    auto option = std::make_unique<Drawing::AreasDrawingOpt>(id);
-    option->setColor(config.m_nColor);
-    option->setDisplayArea(config.m_bDisplayArea);
-    return option;
-}
-
-Option stringsOption(int id, const OptionReader& reader)
-{
-    const auto config = readConfig<DrawingConfigText::StringsConfig>(reader);
-    auto option = std::make_unique<Drawing::StringsDrawingOpt>(id);
-    option->setColor(config.m_nColor);
-    option->setPos(config.m_nPosX, config.m_nPosY);
-    option->setFontSize(config.m_nFontSize);
+    auto option = std::make_unique<Kind>(id);
+    apply(readConfig<Config>(reader), *option);
     return option;
 }
 
 /// Null for an unknown kind, and for a picture that the store does not hold.
 Option makeOption(int dataType, int id, const OptionReader& config, const ArithmParamMgr* store)
 {
+    using namespace DrawingConfigText;
     switch (dataType) {
-    case DrawingConfigText::ColourImage:
-        return colourOption(id, config, store);
-    case DrawingConfigText::Gray8Image:
-        return gray8Option(id, config, store);
-    case DrawingConfigText::Gray16Image:
-        return gray16Option(id, config, store);
-    case DrawingConfigText::Points:
-        return pointsOption(id, config);
-    case DrawingConfigText::Lines:
-        return linesOption(id, config);
-    case DrawingConfigText::Polys:
-        return polysOption(id, config);
-    case DrawingConfigText::Areas:
-        return areasOption(id, config);
-    case DrawingConfigText::Strings:
-        return stringsOption(id, config);
+    case ColourImage:
+        return pictureOption<Drawing::DIBDrawingOpt, ImageConfig>(id, config, store ? store->findParamDIB(id) : nullptr,
+                                                                  &ParamDIB::getDIB);
+    case Gray8Image:
+        return pictureOption<Drawing::Gray8DrawingOpt, GrayConfig>(
+            id, config, store ? store->findParamGray8(id) : nullptr, &ParamGray8::getGray8);
+    case Gray16Image:
+        return pictureOption<Drawing::Gray16DrawingOpt, GrayConfig>(
+            id, config, store ? store->findParamGray16(id) : nullptr, &ParamGray16::getGray16);
+    case Points:
+        return shapeOption<Drawing::PointsDrawingOpt, PointsConfig>(id, config);
+    case Lines:
+        return shapeOption<Drawing::LinesDrawingOpt, LinesConfig>(id, config);
+    case Polys:
+        return shapeOption<Drawing::PolysDrawingOpt, PolysConfig>(id, config);
+    case Areas:
+        return shapeOption<Drawing::AreasDrawingOpt, AreasConfig>(id, config);
+    case Strings:
+        return shapeOption<Drawing::StringsDrawingOpt, StringsConfig>(id, config);
     default:
         return nullptr;
     }

@@ -4,6 +4,10 @@
 #include <QPainter>
 #include <QtTest>
 
+#include <atomic>
+#include <cmath>
+#include <thread>
+
 using namespace DrawingSupport;
 
 namespace {
@@ -86,6 +90,7 @@ private Q_SLOTS:
     void stringsEndAfter1023BytesAndAtAZeroByte();
     void emptyStringsKeepTheirLine();
     void stringsPositionGoesThroughTheEntryButTheirSpacingDoesNot();
+    void drawDuringReplacementsShowsOneListOrTheOther();
     void missingRecordsAreNotMade();
     void nothingHappensWithoutCanvasOrStore();
     void triangleArea_data();
@@ -408,6 +413,37 @@ void TestDrawingShapes::stringsPositionGoesThroughTheEntryButTheirSpacingDoesNot
     write(expected, 11, 19, QStringLiteral("AB"), 0xFFFFFFFF, 12);
     write(expected, 11, 41, QStringLiteral("CD"), 0xFFFFFFFF, 12);
     QCOMPARE(difference(drawn("7", "<Pos>64,103</Pos><FontSize>12</FontSize><Color>-1</Color>"), expected), QString());
+}
+
+void TestDrawingShapes::drawDuringReplacementsShowsOneListOrTheOther()
+{
+    QVector<ParamPoints::Point> upper;
+    QVector<ParamPoints::Point> lower;
+    for (int x = 0; x < 120; ++x) {
+        upper.push_back({x, 10});
+        lower.push_back({x, 20});
+    }
+    ParamPoints* record = m_cStore->getParamPoints(1);
+    record->replaceAll(upper);
+    std::atomic<bool> stop{false};
+    std::thread task([&] {
+        for (int i = 0; !stop; ++i)
+            record->replaceAll(i % 2 == 0 ? lower : upper);
+    });
+
+    int mixtures = 0;
+    for (int i = 0; i < 200; ++i) {
+        const QImage canvas = drawn("3", "<Color>-1</Color>");
+        QImage one = blank();
+        QImage other = blank();
+        fill(one, 0, 10, 119, 10, 0xFFFFFFFF);
+        fill(other, 0, 20, 119, 20, 0xFFFFFFFF);
+        mixtures += !difference(canvas, one).isEmpty() && !difference(canvas, other).isEmpty();
+    }
+    stop = true;
+    task.join();
+
+    QCOMPARE(mixtures, 0);
 }
 
 void TestDrawingShapes::missingRecordsAreNotMade()
