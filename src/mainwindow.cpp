@@ -60,6 +60,9 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_pcUi(std::make_
 {
     initResources();
     m_pcUi->setupUi(this);
+    // The tabs take what four short names need, the views all the rest.
+    constexpr int TabWidth = 316;
+    m_pcUi->splitter->setSizes({TabWidth, width() - TabWidth});
     m_pcUi->splitter->setStretchFactor(0, 0);
     m_pcUi->splitter->setStretchFactor(1, 1);
     m_pcOutputLine = std::make_unique<OutputLine>(m_pcUi->lblOutputMsg);

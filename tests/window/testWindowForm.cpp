@@ -11,6 +11,7 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTabBar>
 #include <QTextDocumentFragment>
 #include <QToolBar>
 #include <QToolButton>
@@ -40,6 +41,7 @@ private Q_SLOTS:
     void nothingIsNarrowerThanItsTextAtSmallAndUsualSizes_data();
     void nothingIsNarrowerThanItsTextAtSmallAndUsualSizes();
     void viewsGetTheRoomAndTabsKeepTheirWidth();
+    void taskNamesAreShownWholeOnTheirTabs();
     void longMessageWidensNothing();
     void messageIsShownAsItIs();
     void clearButtonEmptiesTheOutputLine();
@@ -278,6 +280,20 @@ void TestWindowForm::viewsGetTheRoomAndTabsKeepTheirWidth()
         QVERIFY(qAbs(view->width() - first.width()) <= 1);
         QVERIFY(qAbs(view->height() - first.height()) <= 1);
     }
+}
+
+void TestWindowForm::taskNamesAreShownWholeOnTheirTabs()
+{
+    const WindowFixture fixture;
+    fixture.m_pcWindow->resize(1024, 600);
+    for (int i = 0; i < 4; ++i)
+        QVERIFY(fixture.addTask(QStringLiteral("零件计数")));
+    fixture.tabs()->setCurrentIndex(0);
+    QCoreApplication::processEvents();
+    const QTabBar* const bar = fixture.tabs()->tabBar();
+    QCOMPARE(bar->elideMode(), Qt::ElideNone);
+    for (int i = 0; i < 4; ++i)
+        QVERIFY(bar->tabRect(i).width() >= bar->fontMetrics().horizontalAdvance(QStringLiteral("零件计数")));
 }
 
 void TestWindowForm::longMessageWidensNothing()
