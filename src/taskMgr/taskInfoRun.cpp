@@ -2,6 +2,7 @@
 #include "taskMgr/taskInfo.h"
 #include "taskMgr/taskMessages.h"
 #include "taskMgr/taskMgr.h"
+#include "threadGuards.h"
 
 #include <sched.h>
 
@@ -98,7 +99,9 @@ void* TaskInfo::threadTaskFunc(void* argument)
             const std::lock_guard<std::mutex> lock(state->m_cMutex);
             state->m_lstReported.push_back(state->m_nRun);
         }
+        const ThreadGuards::PostingScope posting;
         Q_EMIT task->threadFinished(message, stopped);
+        message.clear();  // the window may already have taken its copy
     }
     markGone(*state);
     return nullptr;

@@ -5,14 +5,18 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QElapsedTimer>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStringList>
 #include <QTableWidget>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 #include <mutex>
+#include <thread>
 
 /// Real plug-ins beside the test program, and what they saw.
 class Probes
@@ -80,6 +84,20 @@ inline TaskItem probeStep(const QString& name, const QString& result = {}, int m
     return item;
 }
 
+inline TaskItem step(const char* name, const char* result = "", int maxExeTimes = -1)
+{
+    return probeStep(QString::fromUtf8(name), QString::fromUtf8(result), maxExeTimes);
+}
+
+/// One probing step for each letter.
+inline QList<TaskItem> steps(const char* names)
+{
+    QList<TaskItem> list;
+    for (const QChar name : QString::fromUtf8(names))
+        list += probeStep(QString(name));
+    return list;
+}
+
 /// A step whose algorithm nobody has.
 inline TaskItem missingStep(int maxExeTimes = -1)
 {
@@ -88,6 +106,9 @@ inline TaskItem missingStep(int maxExeTimes = -1)
     item.m_strArithmName = QStringLiteral("缺");
     return item;
 }
+
+/// What the source plays where a picture is to come every few milliseconds.
+inline const QString Paced = QStringLiteral("wait=3");
 
 inline QString sourceText(const QString& config, int id = 1)
 {
@@ -151,6 +172,29 @@ inline std::unique_ptr<TaskInfo> makeTask(const QList<TaskItem>& steps, const QS
     return task;
 }
 
+/// One pass over all steps, as a task's thread makes it.
+inline bool pass(TaskInfo& task, QString& message)
+{
+    return task.runOnce(message, false, -1, -1);
+}
+
+inline bool pass(TaskInfo& task)
+{
+    QString message;
+    return pass(task, message);
+}
+
+/// Waits for a condition without letting any signal arrive.
+template <typename Condition>
+bool waitWithoutEvents(Condition condition)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition() && timer.elapsed() < 30000)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return condition();
+}
+
 /// The widgets of a task's tab, wired to it.
 struct Tab
 {
@@ -191,6 +235,44 @@ struct Tab
     QComboBox m_cThreads;
     QTableWidget* m_pcTable;
 };
+
+inline QMenu* contextMenu(const Tab& tab)
+{
+    return tab.m_pcTable->findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+/// Opens the context menu as a right-click does, and closes it again.
+inline QMenu* openedMenu(const Tab& tab)
+{
+    Q_EMIT tab.m_pcTable->customContextMenuRequested(QPoint(5, 5));
+    QMenu* menu = contextMenu(tab);
+    if (menu)
+        menu->close();
+    return menu;
+}
+
+inline QMenu* subMenu(const QMenu* menu, const QString& caption)
+{
+    for (QAction* action : menu->actions()) {
+        if (action->text() == caption && action->menu())
+            return action->menu();
+    }
+    return nullptr;
+}
+
+inline QAction* entry(const QMenu* menu, const QString& caption)
+{
+    for (QAction* action : menu->actions()) {
+        if (action->text() == caption)
+            return action;
+    }
+    return nullptr;
+}
+
+inline void selectRow(const Tab& tab, int row)
+{
+    tab.m_pcTable->selectRow(row);
+}
 
 /// Answers every message box that opens while it lives with the same button, and keeps what the boxes said.
 class BoxAnswer : public QObject

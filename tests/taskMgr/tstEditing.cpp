@@ -2,24 +2,9 @@
 #include "taskMgr/taskMgr.h"
 #include "taskTestSupport.h"
 
-#include <QMenu>
-#include <QRegularExpression>
 #include <QtTest>
 
 namespace {
-
-TaskItem step(const char* name, const char* result = "", int maxExeTimes = -1)
-{
-    return probeStep(QString::fromUtf8(name), QString::fromUtf8(result), maxExeTimes);
-}
-
-QList<TaskItem> steps(const QString& names)
-{
-    QList<TaskItem> list;
-    for (const QChar name : names)
-        list += probeStep(QString(name));
-    return list;
-}
 
 /// The options of the steps, in order.
 QStringList options(TaskInfo& task)
@@ -28,39 +13,6 @@ QStringList options(TaskInfo& task)
     for (const TaskItem& item : task.getTaskItem())
         list += item.m_strOption;
     return list;
-}
-
-QMenu* contextMenu(const Tab& tab)
-{
-    return tab.m_pcTable->findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
-}
-
-/// Opens the context menu as a right-click does, and closes it again.
-QMenu* openedMenu(const Tab& tab)
-{
-    Q_EMIT tab.m_pcTable->customContextMenuRequested(QPoint(5, 5));
-    QMenu* menu = contextMenu(tab);
-    if (menu)
-        menu->close();
-    return menu;
-}
-
-QMenu* subMenu(const QMenu* menu, const QString& caption)
-{
-    for (QAction* action : menu->actions()) {
-        if (action->text() == caption && action->menu())
-            return action->menu();
-    }
-    return nullptr;
-}
-
-QAction* entry(const QMenu* menu, const QString& caption)
-{
-    for (QAction* action : menu->actions()) {
-        if (action->text() == caption)
-            return action;
-    }
-    return nullptr;
 }
 
 /// The texts of a menu's entries; "-" for a separator.
@@ -79,22 +31,6 @@ QAction* probeEntry(const Tab& tab)
     return entry(subMenu(subMenu(menu, QStringLiteral("添加算法")), QStringLiteral("Test")), QStringLiteral("Probe"));
 }
 
-void selectRow(const Tab& tab, int row)
-{
-    tab.m_pcTable->selectRow(row);
-}
-
-/// A press of the mouse on a cell, as a user makes it.
-void press(Tab& tab, int row, int column)
-{
-    if (!tab.m_cPage.isVisible()) {
-        tab.m_cPage.resize(500, 400);
-        tab.m_cPage.show();
-    }
-    const QRect cell = tab.m_pcTable->visualItemRect(tab.m_pcTable->item(row, column));
-    QTest::mouseClick(tab.m_pcTable->viewport(), Qt::LeftButton, Qt::NoModifier, cell.center());
-}
-
 }  // namespace
 
 class tstEditing : public QObject
@@ -110,7 +46,6 @@ private Q_SLOTS:
     void menuIsBuiltOnceAndReused();
     void menuOpensWhereTheClickWas();
     void menuIsBuiltAgainForANewTable();
-
     void withoutASelectionTheStepIsAppended();
     void withASelectionTheStepIsInsertedBefore();
     void insertingAtTheFrontOnlyFetchesAPicture();
@@ -122,33 +57,15 @@ private Q_SLOTS:
     void unknownEntryIsNotFinded();
     void storeIsCleanedBeforeThePreparation();
     void preparationLeavesTheCountersAtZeroAndShowsTimes();
-
     void modifyingReplacesTheOption();
     void cancelledModificationChangesNothing();
     void modifyingNeedsASelection();
     void modifyingARowWithoutAStepIsASeriousError();
     void modifyingAStepOfAMissingAlgorithmIsRefused();
-
     void deletingAsksFirst();
     void deletingRemovesStepAndRow();
     void deletingNeedsASelection();
     void deletingARowWithoutAStepDoesNothing();
-
-    void editedDescriptionIsKept();
-    void editedCountIsKept_data();
-    void editedCountIsKept();
-    void editsOfOtherCellsAreIgnored();
-    void typedTextReachesTheStep();
-
-    void pressingTheSameCellTwiceClearsTheSelection();
-    void pressingAnotherCellMovesTheMemory();
-    void removedRowIsForgotten();
-
-    void runHereRunsUpToTheSelectedStep();
-    void runHereNeedsASelection();
-    void runHereShowsTheFailure();
-    void runHereShowsNoEmptyMessage();
-    void runHereResetsTheCounters();
     void taskMayBeDeletedWhileABoxIsShown();
 };
 
@@ -205,7 +122,7 @@ void tstEditing::menuIsBuiltOnceAndReused()
 
 void tstEditing::menuOpensWhereTheClickWas()
 {
-    auto task = makeTask(steps(QStringLiteral("ab")));
+    auto task = makeTask(steps("ab"));
     Tab tab(*task);
     tab.m_cPage.move(40, 30);
     tab.m_cPage.show();
@@ -233,7 +150,7 @@ void tstEditing::menuIsBuiltAgainForANewTable()
 
 void tstEditing::withoutASelectionTheStepIsAppended()
 {
-    auto task = makeTask(steps(QStringLiteral("ab")));
+    auto task = makeTask(steps("ab"));
     const Tab tab(*task);
 
     probeEntry(tab)->trigger();
@@ -258,7 +175,7 @@ void tstEditing::withoutASelectionTheStepIsAppended()
 
 void tstEditing::withASelectionTheStepIsInsertedBefore()
 {
-    auto task = makeTask(steps(QStringLiteral("abcd")));
+    auto task = makeTask(steps("abcd"));
     const Tab tab(*task);
     QAction* probe = probeEntry(tab);
     selectRow(tab, 2);
@@ -275,7 +192,7 @@ void tstEditing::withASelectionTheStepIsInsertedBefore()
 
 void tstEditing::insertingAtTheFrontOnlyFetchesAPicture()
 {
-    auto task = makeTask(steps(QStringLiteral("ab")));
+    auto task = makeTask(steps("ab"));
     const Tab tab(*task);
     QAction* probe = probeEntry(tab);
     selectRow(tab, 0);
@@ -306,7 +223,7 @@ void tstEditing::extensionAlgorithmsAreAddedToo()
 void tstEditing::cancelledWindowAddsNothing()
 {
     Probes::reset("");
-    auto task = makeTask(steps(QStringLiteral("a")));
+    auto task = makeTask(steps("a"));
     const Tab tab(*task);
     QAction* probe = probeEntry(tab);
 
@@ -338,7 +255,7 @@ void tstEditing::addingWithoutASourceSaysSoAndOpensTheWindow()
 
 void tstEditing::insertingAtTheFrontWithoutASourceSaysNothing()
 {
-    auto task = makeSourcelessTask(steps(QStringLiteral("ab")));
+    auto task = makeSourcelessTask(steps("ab"));
     const Tab tab(*task);
     QAction* probe = probeEntry(tab);
     const BoxAnswer answer;
@@ -369,7 +286,7 @@ void tstEditing::failingPreparationIsShownAndTheWindowOpens()
 
 void tstEditing::unknownEntryIsNotFinded()
 {
-    auto task = makeTask(steps(QStringLiteral("a")));
+    auto task = makeTask(steps("a"));
     const Tab tab(*task);
     QAction stranger;
     const BoxAnswer answer;
@@ -410,7 +327,7 @@ void tstEditing::preparationLeavesTheCountersAtZeroAndShowsTimes()
 
 void tstEditing::modifyingReplacesTheOption()
 {
-    auto task = makeTask(steps(QStringLiteral("abc")));
+    auto task = makeTask(steps("abc"));
     const Tab tab(*task);
     selectRow(tab, 1);
 
@@ -424,7 +341,7 @@ void tstEditing::modifyingReplacesTheOption()
 void tstEditing::cancelledModificationChangesNothing()
 {
     Probes::reset("");
-    auto task = makeTask(steps(QStringLiteral("ab")));
+    auto task = makeTask(steps("ab"));
     const Tab tab(*task);
     selectRow(tab, 0);
 
@@ -438,7 +355,7 @@ void tstEditing::cancelledModificationChangesNothing()
 
 void tstEditing::modifyingNeedsASelection()
 {
-    auto task = makeTask(steps(QStringLiteral("a")));
+    auto task = makeTask(steps("a"));
     const Tab tab(*task);
     const BoxAnswer answer;
 
@@ -450,7 +367,7 @@ void tstEditing::modifyingNeedsASelection()
 
 void tstEditing::modifyingARowWithoutAStepIsASeriousError()
 {
-    auto task = makeTask(steps(QStringLiteral("a")));
+    auto task = makeTask(steps("a"));
     const Tab tab(*task);
     TaskInfo::appendRow(tab.m_pcTable, step("stray"));
     selectRow(tab, 1);
@@ -478,7 +395,7 @@ void tstEditing::modifyingAStepOfAMissingAlgorithmIsRefused()
 
 void tstEditing::deletingAsksFirst()
 {
-    auto task = makeTask(steps(QStringLiteral("ab")));
+    auto task = makeTask(steps("ab"));
     const Tab tab(*task);
     selectRow(tab, 0);
     const BoxAnswer answer(QMessageBox::No);
@@ -496,7 +413,7 @@ void tstEditing::deletingAsksFirst()
 
 void tstEditing::deletingRemovesStepAndRow()
 {
-    auto task = makeTask(steps(QStringLiteral("abc")));
+    auto task = makeTask(steps("abc"));
     const Tab tab(*task);
     tab.m_pcTable->item(1, 0)->setText(QStringLiteral("second"));
     selectRow(tab, 1);
@@ -512,7 +429,7 @@ void tstEditing::deletingRemovesStepAndRow()
 
 void tstEditing::deletingNeedsASelection()
 {
-    auto task = makeTask(steps(QStringLiteral("a")));
+    auto task = makeTask(steps("a"));
     const Tab tab(*task);
     const BoxAnswer answer;
 
@@ -524,7 +441,7 @@ void tstEditing::deletingNeedsASelection()
 
 void tstEditing::deletingARowWithoutAStepDoesNothing()
 {
-    auto task = makeTask(steps(QStringLiteral("a")));
+    auto task = makeTask(steps("a"));
     const Tab tab(*task);
     TaskInfo::appendRow(tab.m_pcTable, step("stray"));
     selectRow(tab, 1);
@@ -537,192 +454,6 @@ void tstEditing::deletingARowWithoutAStepDoesNothing()
     QCOMPARE(tab.m_pcTable->rowCount(), 2);
 }
 
-void tstEditing::editedDescriptionIsKept()
-{
-    auto task = makeTask(steps(QStringLiteral("ab")));
-    const Tab tab(*task);
-
-    tab.m_pcTable->item(1, 0)->setText(QStringLiteral("找区域"));
-
-    QCOMPARE(task->getTaskItem().at(1).m_strDescribe, QStringLiteral("找区域"));
-    QVERIFY(task->getTaskItem().at(0).m_strDescribe.isEmpty());
-}
-
-void tstEditing::editedCountIsKept_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("count");
-
-    QTest::newRow("number") << "3" << 3;
-    QTest::newRow("no limit") << "-1" << -1;
-    QTest::newRow("nine nines make an end-of-task step") << "999999999" << 999999999;
-    QTest::newRow("letters change nothing") << "abc" << 7;
-    QTest::newRow("nothing changes nothing") << "" << 7;
-    QTest::newRow("too large changes nothing") << "9999999999" << 7;
-    QTest::newRow("hexadecimal changes nothing") << "0x10" << 7;
-}
-
-void tstEditing::editedCountIsKept()
-{
-    QFETCH(QString, text);
-    QFETCH(int, count);
-    auto task = makeTask({step("a", "", 7)});
-    const Tab tab(*task);
-
-    tab.m_pcTable->item(0, 1)->setText(text);
-
-    QCOMPARE(task->getTaskItem().first().m_nMaxExeTimes, count);
-    QCOMPARE(task->getTaskItem().first().runsAtTaskEnd(), count == 999999999);
-    QCOMPARE(tab.cell(0, 1), text);
-}
-
-void tstEditing::editsOfOtherCellsAreIgnored()
-{
-    auto task = makeTask({step("a", "", 7)});
-    const Tab tab(*task);
-    TaskInfo::appendRow(tab.m_pcTable, step("stray"));
-
-    tab.m_pcTable->item(0, 2)->setText(QStringLiteral("5"));
-    tab.m_pcTable->item(1, 0)->setText(QStringLiteral("x"));
-    tab.m_pcTable->item(1, 1)->setText(QStringLiteral("5"));
-    task->TaskFlowTblCellChanged(-1, 0);
-    task->TaskFlowTblCellChanged(0, 9);
-
-    QCOMPARE(task->getTaskItem().size(), 1);
-    QCOMPARE(task->getTaskItem().first().m_nMaxExeTimes, 7);
-    QVERIFY(task->getTaskItem().first().m_strDescribe.isEmpty());
-}
-
-void tstEditing::typedTextReachesTheStep()
-{
-    auto task = makeTask(steps(QStringLiteral("a")));
-    Tab tab(*task);
-    tab.m_cPage.show();
-    QVERIFY(QTest::qWaitForWindowActive(&tab.m_cPage));
-
-    tab.m_pcTable->editItem(tab.m_pcTable->item(0, 1));
-    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("12"));
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-
-    QTRY_COMPARE(task->getTaskItem().first().m_nMaxExeTimes, 12);
-}
-
-void tstEditing::pressingTheSameCellTwiceClearsTheSelection()
-{
-    auto task = makeTask(steps(QStringLiteral("abc")));
-    Tab tab(*task);
-
-    press(tab, 1, 0);
-    QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
-    press(tab, 1, 0);
-    QVERIFY(tab.m_pcTable->selectedItems().isEmpty());
-    press(tab, 1, 0);
-    QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
-}
-
-void tstEditing::pressingAnotherCellMovesTheMemory()
-{
-    auto task = makeTask(steps(QStringLiteral("abc")));
-    Tab tab(*task);
-
-    press(tab, 1, 0);
-    press(tab, 2, 0);
-    QCOMPARE(tab.m_pcTable->selectedItems().first()->row(), 2);
-    press(tab, 1, 0);
-    QCOMPARE(tab.m_pcTable->selectedItems().first()->row(), 1);
-    press(tab, 1, 0);
-    QVERIFY(tab.m_pcTable->selectedItems().isEmpty());
-}
-
-void tstEditing::removedRowIsForgotten()
-{
-    auto task = makeTask(steps(QStringLiteral("abc")));
-    Tab tab(*task);
-    press(tab, 1, 0);
-    const BoxAnswer answer(QMessageBox::Yes);
-    task->delArithm();
-    tab.m_pcTable->clearSelection();
-
-    for (int row = 0; row < 2; ++row) {
-        press(tab, row, 0);
-        QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
-    }
-}
-
-void tstEditing::runHereRunsUpToTheSelectedStep()
-{
-    auto task = makeTask(steps(QStringLiteral("abcde")));
-    const Tab tab(*task);
-    selectRow(tab, 2);
-    const BoxAnswer answer;
-
-    entry(openedMenu(tab), QStringLiteral("执行到选中算法"))->trigger();
-
-    QCOMPARE(Probes::trace(), QStringLiteral("a,b,c"));
-    QVERIFY(!tab.cell(2, 2).isEmpty());
-    QCOMPARE(tab.cell(3, 2), QString());
-    QCOMPARE(Probes::sourceCalls("start"), 1);
-    QCOMPARE(Probes::sourceCalls("stop"), 1);
-    QCOMPARE(Probes::sourceCalls("requestPicture"), 1);
-    QCOMPARE(answer.m_lstTexts, QStringList());
-}
-
-void tstEditing::runHereNeedsASelection()
-{
-    auto task = makeTask(steps(QStringLiteral("a")));
-    const Tab tab(*task);
-    const BoxAnswer answer;
-
-    task->runHere();
-
-    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("No arithm is selected.")});
-    QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
-    QCOMPARE(answer.m_lstButtons.first(), QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(Probes::sourceCalls("start"), 0);
-}
-
-void tstEditing::runHereShowsTheFailure()
-{
-    auto task = makeTask({step("a", "oops!"), step("b")});
-    const Tab tab(*task);
-    selectRow(tab, 1);
-    const BoxAnswer answer;
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("oops!")));
-
-    task->runHere();
-
-    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("算法\"Probe\"出错, 错误信息:oops!")});
-    QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
-    QCOMPARE(Probes::sourceCalls("stop"), 1);
-    QCOMPARE(Reports::messages(), QStringList());
-}
-
-void tstEditing::runHereShowsNoEmptyMessage()
-{
-    auto task = makeTask({step("a", "<CMD>stop:enough</CMD>")});
-    const Tab tab(*task);
-    selectRow(tab, 0);
-    const BoxAnswer answer;
-
-    task->runHere();
-
-    QCOMPARE(answer.m_lstTexts, QStringList());
-    QCOMPARE(Reports::prints(), QStringList{QStringLiteral("enough")});
-}
-
-void tstEditing::runHereResetsTheCounters()
-{
-    auto task = makeTask({step("a", "", 1)});
-    const Tab tab(*task);
-    selectRow(tab, 0);
-
-    task->runHere();
-    task->runHere();
-
-    QCOMPARE(Probes::trace(), QStringLiteral("a,a"));
-    QCOMPARE(task->getTaskItem().first().m_nExeTimes, 0);
-}
-
 void tstEditing::taskMayBeDeletedWhileABoxIsShown()
 {
     using Command = void (*)(TaskInfo&, const Tab&);
@@ -733,7 +464,7 @@ void tstEditing::taskMayBeDeletedWhileABoxIsShown()
         [](TaskInfo&, const Tab& tab) { probeEntry(tab)->trigger(); },
     };
     for (const Command command : commands) {
-        auto* task = makeSourcelessTask(steps(QStringLiteral("ab"))).release();
+        auto* task = makeSourcelessTask(steps("ab")).release();
         const QPointer<TaskInfo> watched(task);
         const Tab tab(*task);
         selectRow(tab, 1);

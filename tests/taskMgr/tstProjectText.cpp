@@ -1,4 +1,3 @@
-#include "globalFunction.h"
 #include "paramStore/arithmParamMgr.h"
 #include "taskMgr/projectText.h"
 #include "taskMgr/taskMgr.h"
@@ -6,54 +5,7 @@
 
 #include <QtTest>
 
-#include <random>
-
 namespace {
-
-/// Random texts out of fragments; the same in every run.
-class Texts
-{
-public:
-    explicit Texts(const QStringList& fragments) : m_lstFragments(fragments) {}
-
-    QString next(int fragments)
-    {
-        QString text;
-        for (int i = 0; i < fragments; ++i)
-            text += m_lstFragments.at(static_cast<int>(m_cRandom() % static_cast<unsigned>(m_lstFragments.size())));
-        return text;
-    }
-
-private:
-    QStringList m_lstFragments;
-    std::mt19937 m_cRandom{12345};
-};
-
-/// Empty lines removed as one would do it by hand.
-QString plainlyCollapsed(QString text)
-{
-    const QList<QPair<QString, QString>> pairs = {{QStringLiteral("\r\r"), QStringLiteral("\r")},
-                                                  {QStringLiteral("\n\n"), QStringLiteral("\n")},
-                                                  {QStringLiteral("\r\n\r\n"), QStringLiteral("\r\n")}};
-    bool found = true;
-    while (found) {
-        found = false;
-        for (const auto& pair : pairs) {
-            while (text.contains(pair.first)) {
-                text.replace(pair.first, pair.second);
-                found = true;
-            }
-        }
-    }
-    return text;
-}
-
-QList<int> namedIDs(const QString& text)
-{
-    QList<int> ids;
-    ProjectText::forEachNamedID(text, [&ids](int id) { ids += id; });
-    return ids;
-}
 
 TaskItem fullStep()
 {
@@ -91,16 +43,6 @@ private Q_SLOTS:
     void init();
     void cleanupTestCase();
 
-    void readerGivesWhatRepeatedRemovalGives_data();
-    void readerGivesWhatRepeatedRemovalGives();
-    void readerSeesAMarkerThatFormsAtASeam();
-    void emptyLinesCollapse_data();
-    void emptyLinesCollapse();
-    void emptyLinesCollapseAsByRepeatedReplacement();
-    void textEndsAtTheFirstNul();
-    void namedIdentifiersAreFound_data();
-    void namedIdentifiersAreFound();
-
     void taskIsWrittenLineByLine();
     void taskWithASourceWritesItsTrimmedText();
     void trimmedSourceTextIsStoredBackButOptionsStay();
@@ -108,7 +50,6 @@ private Q_SLOTS:
     void projectHoldsTasksInAscendingIds();
     void projectWithoutTasksIsEmpty();
     void savedTextHasNoEmptyLine();
-
     void emptyTextLeavesNoTasks();
     void loadedTasksGetIdsInFileOrder();
     void loadingReplacesWhatWasThere();
@@ -146,144 +87,6 @@ void tstProjectText::init()
 void tstProjectText::cleanupTestCase()
 {
     TaskMgr::deleteThis();
-}
-
-void tstProjectText::readerGivesWhatRepeatedRemovalGives_data()
-{
-    QTest::addColumn<QString>("open");
-    QTest::addColumn<QString>("close");
-    QTest::addColumn<QStringList>("fragments");
-
-    QTest::newRow("steps") << "<-TaskItem->"
-                           << "</-TaskItem->" << QStringList{"<-TaskItem->", "</-TaskItem->",
-                                                             "<-taskITEM->", "</-TASKitem->",
-                                                             "<-Task",       "Item->",
-                                                             "</-",          "<-TaskItem",
-                                                             "->",           "<",
-                                                             "/-TaskItem->", "x",
-                                                             "\n",           "yz"};
-    QTest::newRow("short markers") << "<A>"
-                                   << "</A>"
-                                   << QStringList{"<A>", "</A>", "<a>", "</a>", "<", "A", ">", "/", "</", "A>", "x"};
-    QTest::newRow("markers that overlap themselves") << "aba"
-                                                     << "bab" << QStringList{"a", "b", "A", "B", "c"};
-    QTest::newRow("one marker inside the other") << "ab"
-                                                 << "xabx" << QStringList{"a", "b", "x", "ab", "X", "-"};
-    QTest::newRow("one-character markers") << "<"
-                                           << ">" << QStringList{"<", ">", "x", "yy"};
-    QTest::newRow("the same marker") << "|"
-                                     << "|" << QStringList{"|", "x"};
-}
-
-void tstProjectText::readerGivesWhatRepeatedRemovalGives()
-{
-    QFETCH(QString, open);
-    QFETCH(QString, close);
-    QFETCH(QStringList, fragments);
-    Texts texts(fragments);
-
-    for (int round = 0; round < 3000; ++round) {
-        const QString text = texts.next(3 + round % 40);
-        QString plain = text;
-        ElementReader reader(text, open, close);
-        for (int take = 0; take < 12; ++take) {
-            const QString expected = GlobalFunction::getAndRemoveBody(plain, open, close);
-            const QString body = reader.next();
-            if (body != expected || reader.remaining() != plain)
-                QFAIL(qPrintable(QStringLiteral("take %1 of: %2").arg(take).arg(text)));
-        }
-    }
-}
-
-void tstProjectText::readerSeesAMarkerThatFormsAtASeam()
-{
-    // Cutting the first element out joins "<-Task" and "Item->" to an opening marker.
-    ElementReader reader(QStringLiteral("<-Task<-TaskItem->1</-TaskItem->Item->2</-TaskItem->"),
-                         QStringLiteral("<-TaskItem->"), QStringLiteral("</-TaskItem->"));
-
-    QCOMPARE(reader.next(), QStringLiteral("1"));
-    QCOMPARE(reader.next(), QStringLiteral("2"));
-    QCOMPARE(reader.next(), QString());
-    QCOMPARE(reader.remaining(), QString());
-}
-
-void tstProjectText::emptyLinesCollapse_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("collapsed");
-
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("line feeds") << "a\n\n\nb\n"
-                                << "a\nb\n";
-    QTest::newRow("carriage returns") << "a\r\r\rb"
-                                      << "a\rb";
-    QTest::newRow("pairs") << "a\r\n\r\n\r\nb"
-                           << "a\r\nb";
-    QTest::newRow("a pair after a line feed") << "a\n\r\n\r\nb"
-                                              << "a\n\r\nb";
-    QTest::newRow("mixed") << "\r\r\n\n\r\n"
-                           << "\r\n";
-    QTest::newRow("trailing carriage return") << "\r\n\r\n\r"
-                                              << "\r\n\r";
-    QTest::newRow("blanks are no empty line") << "a\n \nb"
-                                              << "a\n \nb";
-}
-
-void tstProjectText::emptyLinesCollapse()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, collapsed);
-
-    QCOMPARE(ProjectText::collapseEmptyLines(text), collapsed);
-}
-
-void tstProjectText::emptyLinesCollapseAsByRepeatedReplacement()
-{
-    Texts texts({QStringLiteral("\r"), QStringLiteral("\n"), QStringLiteral("\r\n"), QStringLiteral("\r"),
-                 QStringLiteral("\n"), QStringLiteral("x")});
-
-    for (int round = 0; round < 5000; ++round) {
-        const QString text = texts.next(round % 30);
-        QCOMPARE(ProjectText::collapseEmptyLines(text), plainlyCollapsed(text));
-    }
-}
-
-void tstProjectText::textEndsAtTheFirstNul()
-{
-    QCOMPARE(ProjectText::upToNul(QStringLiteral("ab")), QStringLiteral("ab"));
-    QCOMPARE(ProjectText::upToNul(QStringLiteral("a") + QChar(0) + QStringLiteral("b") + QChar(0)),
-             QStringLiteral("a"));
-    QCOMPARE(ProjectText::upToNul(QString()), QString());
-}
-
-void tstProjectText::namedIdentifiersAreFound_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QList<int>>("ids");
-
-    QTest::newRow("none") << "<Name>7</Name>" << QList<int>{};
-    QTest::newRow("one") << "<DataID>7</DataID>" << QList<int>{7};
-    QTest::newRow("any case") << "<outputid>7</OUTPUTID><OutId>8</outID>" << QList<int>{7, 8};
-    QTest::newRow("the name may be ID alone") << "<ID>3</ID>" << QList<int>{3};
-    QTest::newRow("blanks around") << "<DataID>\n 7 \r\n</DataID>" << QList<int>{7};
-    QTest::newRow("nested") << "<Config><DataID>7</DataID></Config><DataID>9</DataID>" << QList<int>{7, 9};
-    QTest::newRow("no number") << "<DataID>x</DataID><DataID></DataID><DataID>1.5</DataID>" << QList<int>{};
-    QTest::newRow("negative") << "<DataID>-1</DataID>" << QList<int>{-1};
-    QTest::newRow("too large") << "<DataID>99999999999</DataID>" << QList<int>{};
-    QTest::newRow("never closed") << "<DataID>7" << QList<int>{};
-    QTest::newRow("closed by another") << "<DataID>7</Data>" << QList<int>{};
-    QTest::newRow("name does not end in it") << "<IDs>7</IDs>" << QList<int>{};
-    QTest::newRow("brackets only") << "<<<>><DataID><DataID>7</DataID>" << QList<int>{7};
-    QTest::newRow("cut off") << "<DataID" << QList<int>{};
-}
-
-void tstProjectText::namedIdentifiersAreFound()
-{
-    QFETCH(QString, text);
-    QFETCH(QList<int>, ids);
-
-    QCOMPARE(namedIDs(text), ids);
 }
 
 void tstProjectText::taskIsWrittenLineByLine()

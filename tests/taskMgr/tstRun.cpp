@@ -1,45 +1,34 @@
-#include "globalFunction.h"
 #include "taskMgr/taskMgr.h"
 #include "taskTestSupport.h"
-#include "view/viewForm.h"
 
-#include <QElapsedTimer>
 #include <QLoggingCategory>
-#include <QSignalSpy>
 #include <QtTest>
 
 #include <sched.h>
 
 #include <atomic>
-#include <functional>
 #include <mutex>
 #include <thread>
-#include <utility>
-#include <vector>
 
 namespace {
 
 const char* const StartText = "执行任务";
 const char* const StopText = "停止任务";
 
-TaskItem step(const char* name, const char* result = "", int maxExeTimes = -1)
+/// The reports of a task, as they arrive on the window's thread.
+struct ArrivedReports : QObject
 {
-    return probeStep(QString::fromUtf8(name), QString::fromUtf8(result), maxExeTimes);
-}
+    explicit ArrivedReports(TaskInfo& task)
+    {
+        connect(&task, &TaskInfo::threadFinished, this, [this](const QString& message, bool stopped) {
+            m_lstMessages += message;
+            m_lstStopped += stopped;
+        });
+    }
 
-/// A source that gives a picture every few milliseconds.
-const QString Paced = QStringLiteral("wait=3");
-
-/// Waits for a condition without letting any signal arrive.
-template <typename Condition>
-bool waitWithoutEvents(Condition condition)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition() && timer.elapsed() < 30000)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return condition();
-}
+    QStringList m_lstMessages;
+    QList<bool> m_lstStopped;
+};
 
 /// The processors that this program may use, as the probe writes them.
 QString ownProcessors()
@@ -52,15 +41,6 @@ QString ownProcessors()
             cpus += QString::number(cpu);
     }
     return cpus.join(QLatin1Char(','));
-}
-
-/// A message callback that does something else, once.
-std::function<void()> s_fnOnMessage;
-void callOnMessage(QString text)
-{
-    Reports::message(text);
-    if (const auto call = std::exchange(s_fnOnMessage, nullptr))
-        call();
 }
 
 std::mutex s_cMtxLog;
@@ -118,29 +98,11 @@ private Q_SLOTS:
     void signalTellsHowTheRunEnded();
     void reportCalledByHandReturnsTheTabToIdle();
     void passesAreLoggedOnlyWhereAskedFor();
-
-    void deletingARunningTaskWaitsForItsStep();
-    void taskMayDieAtTheMomentOfItsLastSignal();
-    void runThatEndsAtOnceNeverStaysRunning();
-    void startAndStopMayFollowEachOtherQuickly();
-    void reportOfAnEarlierRunOnlyPassesItsMessageOn();
-    void reportOfAnEarlierRunThatWasStoppedChangesNothing();
-    void taskMayBeDeletedWhileItsMessageIsShown();
-    void taskMayBeStartedAgainWhileItsMessageIsShown();
-    void openEditorCommitsBeforeTheThreadStarts();
-    void tabMayDieWhileTheTaskRuns();
-    void runningTaskCanBeSaved();
-    void viewMayBeChosenWhileTheTaskRuns();
-    void tasksSharingAnAlgorithmNeverMixTheirResults();
-    void optionsOfADeletedTaskLeaveEveryView();
-    void stoppingAllTasksTogetherTakesOnePass();
 };
 
 void tstRun::initTestCase()
 {
     Probes::install();
-    PluginFolders::addBase(QStringLiteral("algorithmEcho"));
-    PluginFolders::addBase(QStringLiteral("algorithmSlow"));
     TaskMgr::getInstance();
     makeTask({});  // loads the source library
 }
@@ -149,7 +111,6 @@ void tstRun::init()
 {
     Probes::reset();
     Reports::clear();
-    s_fnOnMessage = nullptr;
 }
 
 void tstRun::cleanupTestCase()
@@ -303,7 +264,7 @@ void tstRun::errorOfAnEndStepReplacesTheMessageInTheThreadsWords()
 void tstRun::errorOfAnEndStepIsNotReportedWhenStopped()
 {
     auto task = makeTask({step("end", "broken", 999999999), step("a")}, Paced);
-    QSignalSpy spy(task.get(), &TaskInfo::threadFinished);
+    const ArrivedReports reports(*task);
     task->startTask();
     QTRY_VERIFY(!Probes::trace().isEmpty());
 
@@ -313,8 +274,8 @@ void tstRun::errorOfAnEndStepIsNotReportedWhenStopped()
 
     QCOMPARE(Reports::messages(), QStringList());
     QVERIFY(task->IsRunning());
-    QCOMPARE(spy.at(0).at(0).toString(), QStringLiteral("算法\"Probe\"出错, 错误信息:broken"));
-    QCOMPARE(spy.at(0).at(1).toBool(), true);
+    QCOMPARE(reports.m_lstMessages, QStringList{QStringLiteral("算法\"Probe\"出错, 错误信息:broken")});
+    QCOMPARE(reports.m_lstStopped, QList<bool>{true});
     task->stopTask();
 }
 
@@ -400,19 +361,17 @@ void tstRun::kernelBindsTheThread()
 void tstRun::signalTellsHowTheRunEnded()
 {
     auto task = makeTask({step("a")}, Paced);
-    QSignalSpy spy(task.get(), &TaskInfo::threadFinished);
+    const ArrivedReports reports(*task);
 
     task->startTask();
     QTRY_VERIFY(!Probes::trace().isEmpty());
     task->stopTask();
-    QTRY_COMPARE(spy.count(), 1);
-    QCOMPARE(spy.at(0).at(1).toBool(), true);
+    QTRY_COMPARE(reports.m_lstStopped, QList<bool>{true});
 
     task->getTaskItem() = {missingStep()};
     task->startTask();
-    QTRY_COMPARE(spy.count(), 2);
-    QCOMPARE(spy.at(1).at(0).toString(), QStringLiteral("Arithm\"缺\"is not existed."));
-    QCOMPARE(spy.at(1).at(1).toBool(), false);
+    QTRY_COMPARE(reports.m_lstStopped, QList<bool>({true, false}));
+    QCOMPARE(reports.m_lstMessages.last(), QStringLiteral("Arithm\"缺\"is not existed."));
 }
 
 void tstRun::reportCalledByHandReturnsTheTabToIdle()
@@ -456,295 +415,6 @@ void tstRun::passesAreLoggedOnlyWhereAskedFor()
     QVERIFY(run());
     QLoggingCategory::setFilterRules(QString());
     QCOMPARE(Log::lines(), QStringList{QStringLiteral("task \"task\": 3 passes")});
-}
-
-void tstRun::deletingARunningTaskWaitsForItsStep()
-{
-    auto task = makeTask({step("gate"), step("end", "", 999999999)});
-    task->startTask();
-    QTRY_COMPARE(Probes::atGate(), 1);
-    std::atomic<bool> opened{false};
-    std::thread opener([&opened] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        opened = true;
-        Probes::openGate();
-    });
-
-    task.reset();
-
-    QVERIFY(opened);
-    opener.join();
-    QCOMPARE(Probes::trace(), QStringLiteral("gate,end"));
-    QCoreApplication::processEvents();
-    QCOMPARE(Reports::messages(), QStringList());
-}
-
-void tstRun::taskMayDieAtTheMomentOfItsLastSignal()
-{
-    for (int round = 0; round < 300; ++round) {
-        auto task = makeSourcelessTask({step("a")});
-        task->startTask();
-        if (round % 3 == 1)
-            std::this_thread::yield();
-        if (round % 3 == 2)
-            QVERIFY(waitWithoutEvents([&task] { return !task->IsRunning(); }));
-        task.reset();
-    }
-    QCoreApplication::processEvents();
-    QCOMPARE(Reports::messages(), QStringList());  // reports of dead tasks go with them
-}
-
-void tstRun::runThatEndsAtOnceNeverStaysRunning()
-{
-    auto task = makeSourcelessTask();
-    Tab tab(*task);
-
-    for (int run = 1; run <= 30; ++run) {
-        tab.m_cRun.click();
-        QTRY_COMPARE(Reports::messages().size(), run);
-        QVERIFY(!task->IsRunning());
-        QVERIFY(tab.allEnabled());
-        QCOMPARE(tab.m_cRun.text(), QString::fromUtf8(StartText));
-    }
-}
-
-void tstRun::startAndStopMayFollowEachOtherQuickly()
-{
-    auto task = makeTask({step("a"), step("end", "", 999999999)}, QStringLiteral("wait=1"));
-    const Tab tab(*task);
-
-    for (int run = 0; run < 100; ++run) {
-        task->startTask();
-        QVERIFY(task->IsRunning());
-        if (run % 10 == 0)
-            QCoreApplication::processEvents();
-        task->stopTask();
-        QVERIFY(!task->IsRunning());
-        QVERIFY(tab.allEnabled());
-    }
-
-    QCOMPARE(Probes::sourceCalls("start"), 100);
-    QCOMPARE(Probes::sourceCalls("stop"), 100);
-    QCOMPARE(Probes::trace().count(QStringLiteral("end")), 100);
-    QCoreApplication::processEvents();
-    QVERIFY(tab.allEnabled());
-    QCOMPARE(Reports::messages(), QStringList());
-}
-
-void tstRun::reportOfAnEarlierRunOnlyPassesItsMessageOn()
-{
-    auto task = makeTask({missingStep()}, Paced);
-    Tab tab(*task);
-    task->startTask();
-    QVERIFY(waitWithoutEvents([&task] { return !task->IsRunning(); }));
-    task->getTaskItem() = {step("a")};
-    tab.m_cRun.click();
-
-    QTRY_COMPARE(Reports::messages(), QStringList{QStringLiteral("Arithm\"缺\"is not existed.")});
-
-    QVERIFY(task->IsRunning());
-    QVERIFY(tab.allDisabled());
-    QCOMPARE(tab.m_cRun.text(), QString::fromUtf8(StopText));
-    QTRY_VERIFY(task->getPassNum() > 1);
-    tab.m_cRun.click();
-    QVERIFY(!task->IsRunning());
-    QVERIFY(tab.allEnabled());
-}
-
-void tstRun::reportOfAnEarlierRunThatWasStoppedChangesNothing()
-{
-    auto task = makeTask({step("a")}, Paced);
-    const Tab tab(*task);
-    task->startTask();
-    task->stopTask();
-    task->startTask();
-
-    QTest::qWait(30);
-
-    QVERIFY(task->IsRunning());
-    QVERIFY(tab.allDisabled());
-    // The report of a later run is still known as its own.
-    task->stopTask();
-    task->getTaskItem() = {missingStep()};
-    task->startTask();
-    QTRY_COMPARE(Reports::messages().size(), 1);
-    QVERIFY(tab.allEnabled());
-}
-
-void tstRun::taskMayBeDeletedWhileItsMessageIsShown()
-{
-    auto* task = makeSourcelessTask().release();
-    const QPointer<TaskInfo> watched(task);
-    Tab tab(*task);
-    task->setMssageCallBack(callOnMessage);
-    s_fnOnMessage = [task] { delete task; };
-
-    task->startTask();
-
-    QTRY_COMPARE(Reports::messages().size(), 1);
-    QVERIFY(!watched);
-}
-
-void tstRun::taskMayBeStartedAgainWhileItsMessageIsShown()
-{
-    auto task = makeTask({missingStep()}, Paced);
-    const Tab tab(*task);
-    task->setMssageCallBack(callOnMessage);
-    s_fnOnMessage = [&task] {
-        task->getTaskItem() = {step("a")};
-        task->startTask();
-    };
-
-    task->startTask();
-    QTRY_COMPARE(Reports::messages().size(), 1);
-
-    QVERIFY(task->IsRunning());
-    QVERIFY(tab.allDisabled());
-    QCOMPARE(tab.m_cRun.text(), QString::fromUtf8(StopText));
-    task->stopTask();
-}
-
-void tstRun::openEditorCommitsBeforeTheThreadStarts()
-{
-    auto task = makeTask({step("a")}, Paced);
-    Tab tab(*task);
-    tab.m_cPage.resize(500, 400);
-    tab.m_cPage.show();
-    QVERIFY(QTest::qWaitForWindowActive(&tab.m_cPage));
-    tab.m_pcTable->setFocus();
-    tab.m_pcTable->editItem(tab.m_pcTable->item(0, 1));
-    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("0"));
-
-    task->startTask();
-    QCOMPARE(task->getTaskItem().first().m_nMaxExeTimes, 0);
-    QTest::qWait(20);
-    task->stopTask();
-
-    QCOMPARE(Probes::trace(), QString());
-}
-
-void tstRun::tabMayDieWhileTheTaskRuns()
-{
-    auto task = makeTask({step("a")}, Paced);
-    auto tab = std::make_unique<Tab>(*task);
-    task->startTask();
-    QTRY_VERIFY(task->getPassNum() > 1);
-
-    tab.reset();
-
-    const long long passes = task->getPassNum();
-    QTRY_VERIFY(task->getPassNum() > passes);
-    task->stopTask();
-    task->getTaskItem() = {missingStep()};
-    task->startTask();
-    QTRY_COMPARE(Reports::messages().size(), 1);
-    QVERIFY(!task->IsRunning());
-}
-
-void tstRun::runningTaskCanBeSaved()
-{
-    auto task = makeTask({step("a"), step("b", "", 5), step("c", "", 999999999)}, QStringLiteral("wait=1"));
-    const QString before = task->toString();
-    task->startTask();
-
-    for (int i = 0; i < 50; ++i) {
-        QCOMPARE(task->toString(), before);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-
-    QVERIFY(task->IsRunning());
-    task->stopTask();
-}
-
-void tstRun::viewMayBeChosenWhileTheTaskRuns()
-{
-    TaskItem drawing;
-    drawing.m_strArithmID = QStringLiteral("KW_Drawing");
-    drawing.m_strOption = QStringLiteral("<DataType>3</DataType><DataID>5</DataID>");
-    auto task = makeTask({drawing}, QStringLiteral("wait=1"));
-    task->startTask();
-
-    for (int i = 0; i < 50; ++i) {
-        task->ViewSelected(i % 9);
-        task->ThreadSelected(i % 3);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    task->ViewSelected(9);
-
-    QTRY_COMPARE(task->getView(), 3);
-    task->stopTask();
-}
-
-void tstRun::tasksSharingAnAlgorithmNeverMixTheirResults()
-{
-    std::vector<std::unique_ptr<TaskInfo>> tasks;
-    QStringList expected;
-    for (int number = 1; number <= 3; ++number) {
-        const QString text = QString::number(number).repeated(1000 + number * 300);
-        expected += text;
-        TaskItem echo = step("");
-        echo.m_strArithmID = QStringLiteral("Test.Echo");
-        echo.m_strOption = QStringLiteral("<CMD>print:") + text + QStringLiteral("</CMD>");
-        tasks.push_back(makeTask({echo}, QStringLiteral("wait=1")));
-        tasks.back()->startTask();
-    }
-
-    for (const auto& task : tasks)
-        QTRY_VERIFY(task->getPassNum() > 20);
-    for (const auto& task : tasks)
-        task->stopTask();
-
-    const QStringList prints = Reports::prints();
-    for (const QString& text : prints)
-        QVERIFY(expected.contains(text));
-    for (const QString& text : qAsConst(expected))
-        QVERIFY(prints.contains(text));
-}
-
-void tstRun::optionsOfADeletedTaskLeaveEveryView()
-{
-    ViewForm visible(0);
-    ViewForm hidden(1);
-    for (int view = 0; view < 2; ++view)
-        GlobalFunction::getInstance()->addView(view, nullptr);
-    visible.resize(100, 100);
-    visible.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&visible));
-    TaskItem drawing;
-    drawing.m_strArithmID = QStringLiteral("KW_Drawing");
-    drawing.m_strOption = QStringLiteral("<DataType>3</DataType><DataID>5</DataID>");
-
-    for (int view = 0; view < 2; ++view) {
-        auto task = makeTask({drawing}, QStringLiteral("wait=1"));
-        task->ViewSelected(view);
-        task->startTask();
-        QTRY_VERIFY(task->getPassNum() > 15);
-        task.reset();
-        const ViewRecord record(view);
-        QVERIFY(record);
-        QCOMPARE(record->m_nCount, 0);
-    }
-    visible.update();
-    hidden.show();
-    QTest::qWait(350);  // both views look at their queues
-}
-
-void tstRun::stoppingAllTasksTogetherTakesOnePass()
-{
-    constexpr int PassMs = 300;
-    TaskItem slow = step("");
-    slow.m_strArithmID = QStringLiteral("Test.Slow");
-    slow.m_strOption = QString::number(PassMs) + QLatin1Char(';');
-    for (int id = 0; id < 6; ++id) {
-        TaskMgr::getInstance()->addTask(makeTask({slow}).release(), id);
-        TaskMgr::getInstance()->getTask(id)->startTask();
-    }
-    QElapsedTimer timer;
-    timer.start();
-
-    TaskMgr::getInstance()->clear();
-
-    QVERIFY2(timer.elapsed() < 6 * PassMs, "the tasks were waited for one after the other");
 }
 
 QTEST_MAIN(tstRun)

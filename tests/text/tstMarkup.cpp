@@ -24,67 +24,24 @@ void tstMarkup::bodyIsFoundBetweenFirstMarkers_data()
     QTest::addColumn<QString>("open");
     QTest::addColumn<QString>("close");
     QTest::addColumn<QString>("body");
+    const auto row = [](const char* name, const char* text, const char* body, const char* open = "<A>",
+                        const char* close = "</A>") { QTest::newRow(name) << text << open << close << body; };
 
-    QTest::newRow("plain") << "<T>value</T>"
-                           << "<T>"
-                           << "</T>"
-                           << "value";
-    QTest::newRow("case does not matter") << "<NAME>x</name>"
-                                          << "<Name>"
-                                          << "</Name>"
-                                          << "x";
-    QTest::newRow("closing marker in front hides the element") << "</A><A>x</A>"
-                                                               << "<A>"
-                                                               << "</A>"
-                                                               << "";
-    QTest::newRow("no nesting") << "<A><A>x</A></A>"
-                                << "<A>"
-                                << "</A>"
-                                << "<A>x";
-    QTest::newRow("first of two") << "<A>1</A><A>2</A>"
-                                  << "<A>"
-                                  << "</A>"
-                                  << "1";
-    QTest::newRow("no opening marker") << "x</A>"
-                                       << "<A>"
-                                       << "</A>"
-                                       << "";
-    QTest::newRow("no closing marker") << "<A>x"
-                                       << "<A>"
-                                       << "</A>"
-                                       << "";
-    QTest::newRow("empty element") << "<A></A>"
-                                   << "<A>"
-                                   << "</A>"
-                                   << "";
-    QTest::newRow("empty text") << ""
-                                << "<A>"
-                                << "</A>"
-                                << "";
-    QTest::newRow("text around") << "ab<A>x</A>cd"
-                                 << "<A>"
-                                 << "</A>"
-                                 << "x";
-    QTest::newRow("other brackets") << "<=TaskInfo=>t</=TaskInfo=>"
-                                    << "<=TaskInfo=>"
-                                    << "</=TaskInfo=>"
-                                    << "t";
-    QTest::newRow("line feeds stay in the body") << "<A>\nx\r\n</A>"
-                                                 << "<A>"
-                                                 << "</A>"
-                                                 << "\nx\r\n";
-    QTest::newRow("chinese body") << "<A>算法</A>"
-                                  << "<A>"
-                                  << "</A>"
-                                  << "算法";
-    QTest::newRow("similar marker is another one") << "<AB>x</AB>"
-                                                   << "<A>"
-                                                   << "</A>"
-                                                   << "";
-    QTest::newRow("same marker twice") << "|x|"
-                                       << "|"
-                                       << "|"
-                                       << "";
+    row("plain", "<A>value</A>", "value");
+    row("case does not matter", "<NAME>x</name>", "x", "<Name>", "</Name>");
+    row("closing marker in front hides the element", "</A><A>x</A>", "");
+    row("no nesting", "<A><A>x</A></A>", "<A>x");
+    row("first of two", "<A>1</A><A>2</A>", "1");
+    row("no opening marker", "x</A>", "");
+    row("no closing marker", "<A>x", "");
+    row("empty element", "<A></A>", "");
+    row("empty text", "", "");
+    row("text around", "ab<A>x</A>cd", "x");
+    row("other brackets", "<=TaskInfo=>t</=TaskInfo=>", "t", "<=TaskInfo=>", "</=TaskInfo=>");
+    row("line feeds stay in the body", "<A>\nx\r\n</A>", "\nx\r\n");
+    row("chinese body", "<A>算法</A>", "算法");
+    row("similar marker is another one", "<AB>x</AB>", "");
+    row("the same marker on both sides", "|x|", "", "|", "|");
 }
 
 void tstMarkup::bodyIsFoundBetweenFirstMarkers()

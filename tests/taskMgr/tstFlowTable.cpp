@@ -1,0 +1,251 @@
+#include "taskMgr/taskMgr.h"
+#include "taskTestSupport.h"
+
+#include <QRegularExpression>
+#include <QtTest>
+
+namespace {
+
+/// A press of the mouse on a cell, as a user makes it.
+void press(Tab& tab, int row, int column)
+{
+    if (!tab.m_cPage.isVisible()) {
+        tab.m_cPage.resize(500, 400);
+        tab.m_cPage.show();
+    }
+    const QRect cell = tab.m_pcTable->visualItemRect(tab.m_pcTable->item(row, column));
+    QTest::mouseClick(tab.m_pcTable->viewport(), Qt::LeftButton, Qt::NoModifier, cell.center());
+}
+
+}  // namespace
+
+class tstFlowTable : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanupTestCase();
+
+    void editedDescriptionIsKept();
+    void editedCountIsKept_data();
+    void editedCountIsKept();
+    void editsOfOtherCellsAreIgnored();
+    void typedTextReachesTheStep();
+    void pressingTheSameCellTwiceClearsTheSelection();
+    void pressingAnotherCellMovesTheMemory();
+    void removedRowIsForgotten();
+    void runHereRunsUpToTheSelectedStep();
+    void runHereNeedsASelection();
+    void runHereShowsTheFailure();
+    void runHereShowsNoEmptyMessage();
+    void runHereResetsTheCounters();
+};
+
+void tstFlowTable::initTestCase()
+{
+    Probes::install();
+    TaskMgr::getInstance();
+    makeTask({});  // loads the source library
+}
+
+void tstFlowTable::init()
+{
+    Probes::reset("new|");
+    Reports::clear();
+}
+
+void tstFlowTable::cleanupTestCase()
+{
+    TaskMgr::deleteThis();
+}
+
+void tstFlowTable::editedDescriptionIsKept()
+{
+    auto task = makeTask(steps("ab"));
+    const Tab tab(*task);
+
+    tab.m_pcTable->item(1, 0)->setText(QStringLiteral("找区域"));
+
+    QCOMPARE(task->getTaskItem().at(1).m_strDescribe, QStringLiteral("找区域"));
+    QVERIFY(task->getTaskItem().at(0).m_strDescribe.isEmpty());
+}
+
+void tstFlowTable::editedCountIsKept_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("count");
+
+    QTest::newRow("number") << "3" << 3;
+    QTest::newRow("no limit") << "-1" << -1;
+    QTest::newRow("nine nines make an end-of-task step") << "999999999" << 999999999;
+    QTest::newRow("letters change nothing") << "abc" << 7;
+    QTest::newRow("nothing changes nothing") << "" << 7;
+    QTest::newRow("too large changes nothing") << "9999999999" << 7;
+    QTest::newRow("hexadecimal changes nothing") << "0x10" << 7;
+}
+
+void tstFlowTable::editedCountIsKept()
+{
+    QFETCH(QString, text);
+    QFETCH(int, count);
+    auto task = makeTask({step("a", "", 7)});
+    const Tab tab(*task);
+
+    tab.m_pcTable->item(0, 1)->setText(text);
+
+    QCOMPARE(task->getTaskItem().first().m_nMaxExeTimes, count);
+    QCOMPARE(task->getTaskItem().first().runsAtTaskEnd(), count == 999999999);
+    QCOMPARE(tab.cell(0, 1), text);
+}
+
+void tstFlowTable::editsOfOtherCellsAreIgnored()
+{
+    auto task = makeTask({step("a", "", 7)});
+    const Tab tab(*task);
+    TaskInfo::appendRow(tab.m_pcTable, step("stray"));
+
+    tab.m_pcTable->item(0, 2)->setText(QStringLiteral("5"));
+    tab.m_pcTable->item(1, 0)->setText(QStringLiteral("x"));
+    tab.m_pcTable->item(1, 1)->setText(QStringLiteral("5"));
+    task->TaskFlowTblCellChanged(-1, 0);
+    task->TaskFlowTblCellChanged(0, 9);
+
+    QCOMPARE(task->getTaskItem().size(), 1);
+    QCOMPARE(task->getTaskItem().first().m_nMaxExeTimes, 7);
+    QVERIFY(task->getTaskItem().first().m_strDescribe.isEmpty());
+}
+
+void tstFlowTable::typedTextReachesTheStep()
+{
+    auto task = makeTask(steps("a"));
+    Tab tab(*task);
+    tab.m_cPage.show();
+    QVERIFY(QTest::qWaitForWindowActive(&tab.m_cPage));
+
+    tab.m_pcTable->editItem(tab.m_pcTable->item(0, 1));
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("12"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+
+    QTRY_COMPARE(task->getTaskItem().first().m_nMaxExeTimes, 12);
+}
+
+void tstFlowTable::pressingTheSameCellTwiceClearsTheSelection()
+{
+    auto task = makeTask(steps("abc"));
+    Tab tab(*task);
+
+    press(tab, 1, 0);
+    QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
+    press(tab, 1, 0);
+    QVERIFY(tab.m_pcTable->selectedItems().isEmpty());
+    press(tab, 1, 0);
+    QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
+}
+
+void tstFlowTable::pressingAnotherCellMovesTheMemory()
+{
+    auto task = makeTask(steps("abc"));
+    Tab tab(*task);
+
+    press(tab, 1, 0);
+    press(tab, 2, 0);
+    QCOMPARE(tab.m_pcTable->selectedItems().first()->row(), 2);
+    press(tab, 1, 0);
+    QCOMPARE(tab.m_pcTable->selectedItems().first()->row(), 1);
+    press(tab, 1, 0);
+    QVERIFY(tab.m_pcTable->selectedItems().isEmpty());
+}
+
+void tstFlowTable::removedRowIsForgotten()
+{
+    auto task = makeTask(steps("abc"));
+    Tab tab(*task);
+    press(tab, 1, 0);
+    const BoxAnswer answer(QMessageBox::Yes);
+    task->delArithm();
+    tab.m_pcTable->clearSelection();
+
+    for (int row = 0; row < 2; ++row) {
+        press(tab, row, 0);
+        QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
+    }
+}
+
+void tstFlowTable::runHereRunsUpToTheSelectedStep()
+{
+    auto task = makeTask(steps("abcde"));
+    const Tab tab(*task);
+    selectRow(tab, 2);
+    const BoxAnswer answer;
+
+    entry(openedMenu(tab), QStringLiteral("执行到选中算法"))->trigger();
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b,c"));
+    QVERIFY(!tab.cell(2, 2).isEmpty());
+    QCOMPARE(tab.cell(3, 2), QString());
+    QCOMPARE(Probes::sourceCalls("start"), 1);
+    QCOMPARE(Probes::sourceCalls("stop"), 1);
+    QCOMPARE(Probes::sourceCalls("requestPicture"), 1);
+    QCOMPARE(answer.m_lstTexts, QStringList());
+}
+
+void tstFlowTable::runHereNeedsASelection()
+{
+    auto task = makeTask(steps("a"));
+    const Tab tab(*task);
+    const BoxAnswer answer;
+
+    task->runHere();
+
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("No arithm is selected.")});
+    QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
+    QCOMPARE(answer.m_lstButtons.first(), QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(Probes::sourceCalls("start"), 0);
+}
+
+void tstFlowTable::runHereShowsTheFailure()
+{
+    auto task = makeTask({step("a", "oops!"), step("b")});
+    const Tab tab(*task);
+    selectRow(tab, 1);
+    const BoxAnswer answer;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("oops!")));
+
+    task->runHere();
+
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("算法\"Probe\"出错, 错误信息:oops!")});
+    QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
+    QCOMPARE(Probes::sourceCalls("stop"), 1);
+    QCOMPARE(Reports::messages(), QStringList());
+}
+
+void tstFlowTable::runHereShowsNoEmptyMessage()
+{
+    auto task = makeTask({step("a", "<CMD>stop:enough</CMD>")});
+    const Tab tab(*task);
+    selectRow(tab, 0);
+    const BoxAnswer answer;
+
+    task->runHere();
+
+    QCOMPARE(answer.m_lstTexts, QStringList());
+    QCOMPARE(Reports::prints(), QStringList{QStringLiteral("enough")});
+}
+
+void tstFlowTable::runHereResetsTheCounters()
+{
+    auto task = makeTask({step("a", "", 1)});
+    const Tab tab(*task);
+    selectRow(tab, 0);
+
+    task->runHere();
+    task->runHere();
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,a"));
+    QCOMPARE(task->getTaskItem().first().m_nExeTimes, 0);
+}
+
+QTEST_MAIN(tstFlowTable)
+#include "tstFlowTable.moc"
