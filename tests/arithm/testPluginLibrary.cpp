@@ -88,6 +88,7 @@ private slots:
         refused(whole.left(whole.size() - 1));
         PluginLibrary library(write("whole.so", whole), m_vecNames);
         QCOMPARE(int(library.state()), int(State::Complete));
+        QVERIFY(library.takeLibrary()->unload());
     }
 
     void libraryWhoseRestWasNeverWrittenIsRefusedAndNeverCrashes_data()
@@ -105,15 +106,18 @@ private slots:
             refused(whole.left(length) + QByteArray(whole.size() - length, filler));
     }
 
-    void libraryWithoutATableOfSectionsLoads()
+    void libraryWithoutATableOfSectionsIsTried()
     {
-        const QByteArray stripped = withHeader(libraryBytes("algorithmEcho"), [](ElfW(Ehdr) & header) {
+        const QByteArray stripped = withHeader(libraryBytes("algorithmUnresolved"), [](ElfW(Ehdr) & header) {
             header.e_shoff = 0;
             header.e_shnum = 0;
             header.e_shstrndx = 0;
         });
+        // The loader itself refuses it, for what it lacks. One that stayed loaded would hide the names of all functions
+        // from a sanitizer.
         PluginLibrary library(write("stripped.so", stripped), m_vecNames);
-        QCOMPARE(int(library.state()), int(State::Complete));
+        QVERIFY2(library.errorString().contains("lumivantTestFunctionThatNobodyHas"),
+                 qPrintable(library.errorString()));
     }
 
     void whatIsNoLibraryForThisMachineIsRefused_data()
