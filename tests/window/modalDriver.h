@@ -30,6 +30,13 @@ public:
         QString m_strText;
         QMessageBox::StandardButtons m_nButtons;
         QMessageBox::StandardButton m_nDefault;
+
+        /// Whether it asks a text as every question of the window is asked.
+        bool asks(const QString& text) const
+        {
+            return m_strTitle == QStringLiteral("警告") && m_strText == text &&
+                   m_nButtons == (QMessageBox::Yes | QMessageBox::No) && m_nDefault == QMessageBox::No;
+        }
     };
     /// A file dialog as it was seen.
     struct File

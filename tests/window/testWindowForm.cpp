@@ -368,10 +368,7 @@ void TestWindowForm::closingAndAnsweringNoKeepsAllTasks()
     QVERIFY(!fixture.m_pcWindow->close());
 
     QVERIFY(driver.done());
-    QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, QStringLiteral("警告"));
-    QCOMPARE(driver.m_lstBoxes.at(0).m_strText, QStringLiteral("是否确认退出?"));
-    QCOMPARE(driver.m_lstBoxes.at(0).m_nButtons, QMessageBox::Yes | QMessageBox::No);
-    QCOMPARE(driver.m_lstBoxes.at(0).m_nDefault, QMessageBox::No);
+    QVERIFY(driver.m_lstBoxes.at(0).asks(QStringLiteral("是否确认退出?")));
     QVERIFY(fixture.m_pcWindow->isVisible());
     QCOMPARE(TaskMgr::getInstance()->getTask(0), task);
     QCOMPARE(fixture.tabs()->count(), 1);

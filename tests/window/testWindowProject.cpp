@@ -76,10 +76,7 @@ void TestWindowProject::newAnsweredNoKeepsEverything()
     driver.box(QMessageBox::No);
     fixture.trigger("newOption");
     QVERIFY(driver.done());
-    QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, Warning);
-    QCOMPARE(driver.m_lstBoxes.at(0).m_strText, QStringLiteral("当前所有任务将被清除, 是否确定?"));
-    QCOMPARE(driver.m_lstBoxes.at(0).m_nButtons, QMessageBox::Yes | QMessageBox::No);
-    QCOMPARE(driver.m_lstBoxes.at(0).m_nDefault, QMessageBox::No);
+    QVERIFY(driver.m_lstBoxes.at(0).asks(QStringLiteral("当前所有任务将被清除, 是否确定?")));
     QCOMPARE(fixture.tabs()->count(), 1);
     QCOMPARE(fixture.m_pcWindow->windowTitle(), QStringLiteral("Lumivant - ") + at("a.lmv"));
 }
@@ -307,10 +304,7 @@ void TestWindowProject::saveAsksBeforeItOverwritesAndDoes()
     driver.box(QMessageBox::Yes);
     fixture.trigger("saveOption");
     QVERIFY(driver.done());
-    QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, Warning);
-    QCOMPARE(driver.m_lstBoxes.at(0).m_strText, QStringLiteral("是否覆盖当前文件?"));
-    QCOMPARE(driver.m_lstBoxes.at(0).m_nButtons, QMessageBox::Yes | QMessageBox::No);
-    QCOMPARE(driver.m_lstBoxes.at(0).m_nDefault, QMessageBox::No);
+    QVERIFY(driver.m_lstBoxes.at(0).asks(QStringLiteral("是否覆盖当前文件?")));
     QCOMPARE(readFile(at("a.lmv")), QByteArray());
 }
 

@@ -192,10 +192,7 @@ void TestWindowTasks::deleteAnsweredNoKeepsTheTask()
     driver.box(QMessageBox::No);
     fixture.trigger("delProcess");
     QVERIFY(driver.done());
-    QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, QStringLiteral("警告"));
-    QCOMPARE(driver.m_lstBoxes.at(0).m_strText, QStringLiteral("是否确定要删除当前显示的任务."));
-    QCOMPARE(driver.m_lstBoxes.at(0).m_nButtons, QMessageBox::Yes | QMessageBox::No);
-    QCOMPARE(driver.m_lstBoxes.at(0).m_nDefault, QMessageBox::No);
+    QVERIFY(driver.m_lstBoxes.at(0).asks(QStringLiteral("是否确定要删除当前显示的任务.")));
     QCOMPARE(fixture.tabs()->count(), 1);
     QVERIFY(TaskMgr::getInstance()->getTask(0) != nullptr);
 }
