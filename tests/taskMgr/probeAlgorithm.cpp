@@ -5,6 +5,7 @@
 #include <sched.h>
 #include <algorithm>
 #include <condition_variable>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <string>
@@ -21,6 +22,15 @@ int s_nConfigWindows = 0;
 std::string s_strTraceAtConfig;
 std::string s_strConfigOption;
 std::string s_strConfigResult;
+
+bool s_bNeedsItsStatics = false;
+bool s_bStaticsAreGone = false;
+
+/// A static made by the first call, as algorithms have them; it dies before what was made earlier.
+struct LateStatic
+{
+    ~LateStatic() { s_bStaticsAreGone = true; }
+};
 
 char* kept(const std::string& text)
 {
@@ -69,6 +79,9 @@ char* showConfigWindow(char* option, ArithmParamMgr*, bool)
 
 char* execute(char* option, ArithmParamMgr*)
 {
+    static const LateStatic s_cLate;
+    if (s_bNeedsItsStatics && s_bStaticsAreGone)
+        std::abort();
     const std::string text = option;
     std::memset(option, '#', text.size());  // the buffer is the callee's to scribble on
     const std::size_t bar = std::min(text.find('|'), text.size());
@@ -129,6 +142,12 @@ LUMIVANT_EXPORT void testOpenGate()
     const std::lock_guard<std::mutex> lock(s_cMutex);
     s_bGateOpen = true;
     s_cChanged.notify_all();
+}
+
+/// From now on a call that comes after the algorithm's statics have died ends the process.
+LUMIVANT_EXPORT void testNeedStatics()
+{
+    s_bNeedsItsStatics = true;
 }
 
 LUMIVANT_EXPORT int testConfigWindows()

@@ -51,6 +51,8 @@ public:
     static int extConfigWindows() { return number(s_strExtProbe, "testConfigWindows"); }
     static void openGate() { PluginFolders::function<void (*)()>(s_strProbe, "testOpenGate")(); }
 
+    static void needStatics() { PluginFolders::function<void (*)()>(s_strProbe, "testNeedStatics")(); }
+
     /// Calls of an entry point of the picture source for the instance configured last.
     static int sourceCalls(const char* entry)
     {

@@ -39,6 +39,8 @@ int main(int argc, char** argv)
     Probes::install();
     addTask(0);
     std::atexit(checkNothingRuns);
+    if (argc < 2)
+        Probes::needStatics();
     TaskMgr::getInstance()->getTask(0)->startTask();
     for (const int id : {0, 1}) {  // the first task is replaced and runs on
         addTask(id);
