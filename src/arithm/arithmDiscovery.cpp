@@ -35,8 +35,11 @@ void ArithmFactory::discover(const QString& folder, bool extLib)
             showLoadWarning(library.errorString());
         if (library.state() != PluginLibrary::State::Complete)
             continue;
-        registerArithm(QString::fromUtf8(library.entry<GetText>(GetClass)()),
-                       QString::fromUtf8(library.entry<GetText>(GetName)()), makeArithm(library, extLib));
+        Arithm* arithm = makeArithm(library, extLib);
+        // The class first, each text copied before the next is asked for: a library may keep both in one place.
+        const QString cls = QString::fromUtf8(library.entry<GetText>(GetClass)());
+        const QString name = QString::fromUtf8(library.entry<GetText>(GetName)());
+        registerArithm(cls, name, arithm);
         m_lstLibraries.append(library.takeLibrary().release());
     }
 }

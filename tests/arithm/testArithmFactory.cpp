@@ -138,12 +138,15 @@ private slots:
         QCOMPARE(PluginFolders::algorithmCalls(m_strEcho, "getID"), calls + 2);
     }
 
-    void classAndNameAreAskedForOnce()
+    void classAndNameAreAskedForOnceTheClassFirst()
     {
         factory()->getArithmNames("Test");
         factory()->getArithmClassNames();
         QCOMPARE(PluginFolders::algorithmCalls(m_strEcho, "getArithmClass"), 1);
         QCOMPARE(PluginFolders::algorithmCalls(m_strEcho, "getArithmName"), 1);
+        const auto firstCall = PluginFolders::function<int (*)(const char*)>(m_strEcho, "testFirstCall");
+        QCOMPARE(firstCall("getArithmClass"), 1);
+        QCOMPARE(firstCall("getArithmName"), 2);
     }
 
     void libraryThatAnswersNullIsRegisteredWithEmptyTexts()

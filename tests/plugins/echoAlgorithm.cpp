@@ -11,6 +11,8 @@ namespace {
 
 std::mutex s_cMutex;  // Guards what follows.
 std::map<std::string, int> s_mapCalls;
+std::map<std::string, int> s_mapFirstCalls;  // Entry point -> the number of its first call among all calls.
+int s_nCalls = 0;
 std::optional<std::string> s_strConfigResult;
 std::string s_strConfigOption;
 bool s_bConfigFlag = false;
@@ -19,6 +21,7 @@ bool s_bConfigFlag = false;
 {
     const std::lock_guard<std::mutex> guard(s_cMutex);
     ++s_mapCalls[what];
+    s_mapFirstCalls.emplace(what, ++s_nCalls);
 }
 
 }  // namespace
@@ -73,6 +76,14 @@ LUMIVANT_EXPORT int testCalls(const char* what)
 {
     const std::lock_guard<std::mutex> guard(s_cMutex);
     return s_mapCalls[what];
+}
+
+/// The number of an entry point's first call among all calls; 0 when it was never called.
+LUMIVANT_EXPORT int testFirstCall(const char* what)
+{
+    const std::lock_guard<std::mutex> guard(s_cMutex);
+    const auto found = s_mapFirstCalls.find(what);
+    return found == s_mapFirstCalls.end() ? 0 : found->second;
 }
 
 LUMIVANT_EXPORT void testSetConfigResult(const char* result)
