@@ -49,6 +49,7 @@ private Q_SLOTS:
     void lastStepEndsThePass();
     void lastStepBehindTheListEndsAtItsEnd();
     void timeOutIsSeenBeforeTheNextStep();
+    void waitingForThePictureCountsForTheTimeOut();
     void endlessLoopTimesOut();
     void timesAreShownWhereCountersAreReset();
     void timeIsShownInTheRowBehindASkip();
@@ -235,6 +236,17 @@ void tstPass::timeOutIsSeenBeforeTheNextStep()
     QCOMPARE(Probes::trace(), QString());
     QVERIFY(task->runOnce(message, true, -1, -1));  // no time-out asked for
     QCOMPARE(Probes::trace(), QStringLiteral("b"));
+}
+
+void tstPass::waitingForThePictureCountsForTheTimeOut()
+{
+    auto task = makeTask({step("a")}, QStringLiteral("wait=60"));
+    QString message;
+
+    QVERIFY(!task->runOnce(message, true, -1, 20));
+
+    QCOMPARE(message, QString::fromUtf8(TimeOutText));
+    QCOMPARE(Probes::trace(), QString());
 }
 
 void tstPass::endlessLoopTimesOut()

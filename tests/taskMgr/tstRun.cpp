@@ -4,9 +4,11 @@
 #include <QLoggingCategory>
 #include <QtTest>
 
+#include <pthread.h>
 #include <sched.h>
 
 #include <atomic>
+#include <limits>
 #include <mutex>
 #include <thread>
 
@@ -42,6 +44,35 @@ QString ownProcessors()
     }
     return cpus.join(QLatin1Char(','));
 }
+
+/// While it lives, threads with default attributes ask for a stack that no address space has.
+class ImpossibleStacks
+{
+public:
+    ImpossibleStacks()
+    {
+        pthread_attr_t attributes;
+        pthread_getattr_default_np(&attributes);
+        pthread_attr_getstacksize(&attributes, &m_nBefore);
+        pthread_attr_destroy(&attributes);
+        setDefault(std::numeric_limits<std::size_t>::max() / 4);
+    }
+    ~ImpossibleStacks() { setDefault(m_nBefore); }
+    ImpossibleStacks(const ImpossibleStacks&) = delete;
+    ImpossibleStacks& operator=(const ImpossibleStacks&) = delete;
+
+private:
+    static void setDefault(std::size_t stackBytes)
+    {
+        pthread_attr_t attributes;
+        pthread_getattr_default_np(&attributes);
+        pthread_attr_setstacksize(&attributes, stackBytes);
+        pthread_setattr_default_np(&attributes);
+        pthread_attr_destroy(&attributes);
+    }
+
+    std::size_t m_nBefore = 0;
+};
 
 std::mutex s_cMtxLog;
 QStringList s_lstLog;  // Guarded by s_cMtxLog.
@@ -85,6 +116,7 @@ private Q_SLOTS:
     void stopCommandEndsTheRunWithoutAMessage();
     void failedStepEndsTheRunWithItsMessage();
     void startingARunningTaskDoesNothing();
+    void threadThatCannotBeMadeLeavesTheTaskIdleInSilence();
     void stoppingAnIdleTaskDoesNothing();
     void stopRunsTheEndStepsOnce();
     void endStepsRunAfterAFailureToo();
@@ -213,6 +245,27 @@ void tstRun::startingARunningTaskDoesNothing()
     task->stopTask();
     QCOMPARE(Probes::sourceCalls("start"), 1);
     QCOMPARE(Probes::sourceCalls("stop"), 1);
+}
+
+void tstRun::threadThatCannotBeMadeLeavesTheTaskIdleInSilence()
+{
+    auto task = makeTask({step("a"), step("end", "", 999999999)}, Paced);
+    const Tab tab(*task);
+    {
+        const ImpossibleStacks noThreads;
+        task->startTask();
+    }
+    QVERIFY(!task->IsRunning());
+    QVERIFY(tab.allEnabled());
+    QCOMPARE(tab.m_cRun.text(), QString::fromUtf8(StartText));
+    task->stopTask();  // there is nothing to wait for
+    QCoreApplication::processEvents();
+    QCOMPARE(Reports::messages(), QStringList());
+    QCOMPARE(Probes::trace(), QString());
+
+    task->startTask();  // the next attempt succeeds
+    QTRY_VERIFY(task->getPassNum() > 0);
+    task->stopTask();
 }
 
 void tstRun::stoppingAnIdleTaskDoesNothing()

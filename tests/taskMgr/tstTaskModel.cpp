@@ -35,6 +35,7 @@ private Q_SLOTS:
     void eachWidgetMayBeMissing();
     void flowTableAsksForItsOwnMenu();
     void deletedTaskLetsGoOfEveryReceiverOfItsButtons();
+    void deletedTaskLeavesThreadComboAndTableCellsConnectedOnPurpose();
     void tabMayDieBeforeItsTask();
     void rowShowsDescribeOrNameAndAReadOnlyTime();
     void rowsFilledByTheProgramAreNoEdits();
@@ -174,6 +175,10 @@ void tstTaskModel::deletedTaskLetsGoOfEveryReceiverOfItsButtons()
     Tab tab(*task);
     int runClicks = 0;
     int viewChanges = 0;
+    int otherSignals = 0;
+    const auto countOther = [&otherSignals] { ++otherSignals; };
+    connect(&tab.m_cSource, &QPushButton::clicked, this, countOther);
+    connect(tab.m_pcTable, &QWidget::customContextMenuRequested, this, countOther);
     connect(&tab.m_cRun, &QPushButton::clicked, this, [&runClicks] { ++runClicks; });
     connect(&tab.m_cViews, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
             [&viewChanges] { ++viewChanges; });
@@ -186,11 +191,29 @@ void tstTaskModel::deletedTaskLetsGoOfEveryReceiverOfItsButtons()
     tab.m_cRun.click();
     tab.m_cSource.click();
     tab.m_cViews.setCurrentIndex(1);
+    Q_EMIT tab.m_pcTable->customContextMenuRequested({});
+    QCOMPARE(runClicks, 1);
+    QCOMPARE(viewChanges, 0);
+    QCOMPARE(otherSignals, 0);
+}
+
+void tstTaskModel::deletedTaskLeavesThreadComboAndTableCellsConnectedOnPurpose()
+{
+    auto* task = newTask();
+    Tab tab(*task);
+    const QSignalSpy threadChanges(&tab.m_cThreads, QOverload<int>::of(&QComboBox::currentIndexChanged));
+    const QSignalSpy cellChanges(tab.m_pcTable, &QTableWidget::cellChanged);
+    const QSignalSpy presses(tab.m_pcTable, &QTableWidget::itemPressed);
+
+    delete task;
+
     tab.m_cThreads.setCurrentIndex(1);
     tab.m_pcTable->setRowCount(1);
     tab.m_pcTable->setItem(0, 0, new QTableWidgetItem);
-    QCOMPARE(runClicks, 1);
-    QCOMPARE(viewChanges, 0);
+    Q_EMIT tab.m_pcTable->itemPressed(tab.m_pcTable->item(0, 0));
+    QCOMPARE(threadChanges.count(), 1);
+    QCOMPARE(cellChanges.count(), 1);
+    QCOMPARE(presses.count(), 1);
 }
 
 void tstTaskModel::tabMayDieBeforeItsTask()
