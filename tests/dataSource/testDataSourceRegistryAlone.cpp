@@ -1,4 +1,4 @@
-#include "dataSource/dataSource.h"
+#include "dataSource/dataSourceInstance.h"
 #include "pluginFolders.h"
 
 #include <QCoreApplication>
@@ -10,6 +10,8 @@ class TestDataSourceRegistryAlone : public QObject
     Q_OBJECT
 
 private slots:
+    void numbersOfInstancesStartAtOne() { QCOMPARE(DataSource::DataSourceInstance::BaseID.load(), 1); }
+
     void withoutAFolderThereAreExactlyTheSixMemoryDisks()
     {
         PluginFolders::clear();

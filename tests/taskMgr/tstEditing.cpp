@@ -150,7 +150,7 @@ void tstEditing::menuIsBuiltAgainForANewTable()
 
 void tstEditing::withoutASelectionTheStepIsAppended()
 {
-    auto task = makeTask(steps("ab"));
+    auto task = makeTask(steps("ab"), QStringLiteral("needsStart=1"));
     const Tab tab(*task);
 
     probeEntry(tab)->trigger();
@@ -192,7 +192,7 @@ void tstEditing::withASelectionTheStepIsInsertedBefore()
 
 void tstEditing::insertingAtTheFrontOnlyFetchesAPicture()
 {
-    auto task = makeTask(steps("ab"));
+    auto task = makeTask(steps("ab"), QStringLiteral("needsStart=1"));
     const Tab tab(*task);
     QAction* probe = probeEntry(tab);
     selectRow(tab, 0);

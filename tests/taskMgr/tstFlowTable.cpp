@@ -1,10 +1,13 @@
 #include "taskMgr/taskMgr.h"
 #include "taskTestSupport.h"
 
+#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QtTest>
 
 namespace {
+
+QString s_strSlow;  ///< Path of the slow algorithm.
 
 /// A press of the mouse on a cell, as a user makes it.
 void press(Tab& tab, int row, int column)
@@ -41,11 +44,13 @@ private Q_SLOTS:
     void runHereShowsTheFailure();
     void runHereShowsNoEmptyMessage();
     void runHereResetsTheCounters();
+    void runHereTimesOutAfterTenSeconds();
 };
 
 void tstFlowTable::initTestCase()
 {
     Probes::install();
+    s_strSlow = PluginFolders::addBase(QStringLiteral("algorithmSlow"));
     TaskMgr::getInstance();
     makeTask({});  // loads the source library
 }
@@ -175,7 +180,7 @@ void tstFlowTable::removedRowIsForgotten()
 
 void tstFlowTable::runHereRunsUpToTheSelectedStep()
 {
-    auto task = makeTask(steps("abcde"));
+    auto task = makeTask(steps("abcde"), QStringLiteral("needsStart=1"));
     const Tab tab(*task);
     selectRow(tab, 2);
     const BoxAnswer answer;
@@ -245,6 +250,30 @@ void tstFlowTable::runHereResetsTheCounters()
 
     QCOMPARE(Probes::trace(), QStringLiteral("a,a"));
     QCOMPARE(task->getTaskItem().first().m_nExeTimes, 0);
+}
+
+void tstFlowTable::runHereTimesOutAfterTenSeconds()
+{
+    constexpr int StepMs = 500;
+    TaskItem endless = step("");
+    endless.m_strArithmID = QStringLiteral("Test.Slow");
+    endless.m_strOption = QString::number(StepMs) + QStringLiteral(";<CMD>skip:0</CMD>");
+    auto task = makeTask({endless});
+    const Tab tab(*task);
+    selectRow(tab, 0);
+    const BoxAnswer answer;
+    QElapsedTimer timer;
+    timer.start();
+
+    task->runHere();
+
+    QVERIFY(timer.elapsed() >= 10000);
+    // No step starts later than that, so there is room for only so many.
+    QVERIFY(PluginFolders::algorithmCalls(s_strSlow, "execute") <= 10000 / StepMs + 1);
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("Execute time out, there is a infinite loop or have a long "
+                                                           "waiting event, continue to wait?.")});
+    QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
+    QCOMPARE(Probes::sourceCalls("stop"), 1);
 }
 
 QTEST_MAIN(tstFlowTable)

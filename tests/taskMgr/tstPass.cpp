@@ -436,7 +436,8 @@ void tstPass::impostorOfTheDrawingIdentifierIsNotReached()
 
 void tstPass::singleRunMakesOnePassAndTheEndSteps()
 {
-    auto task = makeTask({step("end1", "", 999999999), step("a"), step("end2", "", 999999999), step("b")});
+    auto task = makeTask({step("end1", "", 999999999), step("a"), step("end2", "", 999999999), step("b")},
+                         QStringLiteral("needsStart=1"));
 
     task->runTaskOnce();
 

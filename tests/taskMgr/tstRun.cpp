@@ -120,6 +120,7 @@ private Q_SLOTS:
     void stoppingAnIdleTaskDoesNothing();
     void stopRunsTheEndStepsOnce();
     void endStepsRunAfterAFailureToo();
+    void sourceIsStartedBeforeTheFirstPassAndStoppedBehindTheEndSteps();
     void errorOfAnEndStepReplacesTheMessageInTheThreadsWords();
     void errorOfAnEndStepIsNotReportedWhenStopped();
     void countersAreResetWhenARunStarts();
@@ -302,6 +303,23 @@ void tstRun::endStepsRunAfterAFailureToo()
 
     QTRY_COMPARE(Reports::messages(), QStringList{QStringLiteral("No datasource assigned.")});
     QCOMPARE(Probes::trace(), QStringLiteral("end"));
+}
+
+void tstRun::sourceIsStartedBeforeTheFirstPassAndStoppedBehindTheEndSteps()
+{
+    auto task = makeTask({step("a", "<CMD>stop:</CMD>"), step("gate", "", 999999999)}, QStringLiteral("needsStart=1"));
+    const Tab tab(*task);
+
+    task->startTask();
+
+    QTRY_COMPARE(Probes::atGate(), 1);
+    QCOMPARE(Probes::trace(), QStringLiteral("a,gate"));
+    QCOMPARE(Probes::sourceCalls("start"), 1);
+    QCOMPARE(Probes::sourceCalls("stop"), 0);
+    QVERIFY(task->IsRunning());
+    Probes::openGate();
+    QTRY_VERIFY(tab.allEnabled());
+    QCOMPARE(Probes::sourceCalls("stop"), 1);
 }
 
 void tstRun::errorOfAnEndStepReplacesTheMessageInTheThreadsWords()

@@ -1,3 +1,4 @@
+#include "arithm/arithmFactory.h"
 #include "taskMgr/taskMgr.h"
 #include "taskTestSupport.h"
 
@@ -27,6 +28,7 @@ private Q_SLOTS:
     void init();
     void cleanupTestCase();
 
+    void registryOfTasksMakesThatOfAlgorithmsButNotThatOfSources();
     void freshTaskHasItsDefaults();
     void freshStepHasNoLimit();
     void combosFollowWhatTheTaskHolds();
@@ -53,12 +55,21 @@ private Q_SLOTS:
     void clearStopsAndDeletesRunningTasks();
     void deleteThisForgetsTheInstance();
     void instanceIsOneForManyThreads();
+
+private:
+    // Which registries there were before and after that of the tasks was made.
+    bool m_bAlgorithmsBefore = true;
+    bool m_bAlgorithmsAfter = false;
+    bool m_bSourcesAfter = true;
 };
 
 void tstTaskModel::initTestCase()
 {
     Probes::install();
+    m_bAlgorithmsBefore = ArithmFactory::s_pcAF.load() != nullptr;
     TaskMgr::getInstance();
+    m_bAlgorithmsAfter = ArithmFactory::s_pcAF.load() != nullptr;
+    m_bSourcesAfter = DataSource::s_pcThis.load() != nullptr;
     makeTask({});  // loads the source library
 }
 
@@ -74,6 +85,13 @@ void tstTaskModel::init()
 void tstTaskModel::cleanupTestCase()
 {
     TaskMgr::deleteThis();
+}
+
+void tstTaskModel::registryOfTasksMakesThatOfAlgorithmsButNotThatOfSources()
+{
+    QVERIFY(!m_bAlgorithmsBefore);
+    QVERIFY(m_bAlgorithmsAfter);
+    QVERIFY(!m_bSourcesAfter);
 }
 
 void tstTaskModel::freshTaskHasItsDefaults()
