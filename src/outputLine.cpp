@@ -65,7 +65,8 @@ void OutputLine::print(const QString& message)
         line->show(message);
         return;
     }
-    state.m_strNewest = message;
+    // A copy: the two threads never share a text, and a flood reuses the memory.
+    state.m_strNewest.setUnicode(message.constData(), message.size());
     state.m_bFresh = true;
     if (state.m_bBusy)
         return;

@@ -95,7 +95,7 @@ void TestWindowProject::newAnsweredYesClearsTasksTabsAndPath()
 
     // The path is forgotten: saving asks for a name, not whether to overwrite.
     driver.file(QString());
-    fixture.trigger("saveOption");
+    fixture.triggerWithFileDialog("saveOption");
     QVERIFY(driver.done());
 }
 
@@ -104,7 +104,7 @@ void TestWindowProject::openDialogLooksForProjectsInTheCurrentFolder()
     const WindowFixture fixture;
     ModalDriver driver;
     driver.file(QString());
-    fixture.trigger("openOption");
+    fixture.triggerWithFileDialog("openOption");
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstFiles.at(0).m_strTitle, QStringLiteral("打开文件"));
     QCOMPARE(driver.m_lstFiles.at(0).m_lstFilters, QStringList{QStringLiteral("项目文件(*.lmv)")});
@@ -184,7 +184,7 @@ void TestWindowProject::unreadableFileChangesNothing()
     QVERIFY(QFile::link(QStringLiteral("/proc/self/mem"), path));
     ModalDriver driver;
     driver.file(path).box(QMessageBox::Ok);
-    fixture.trigger("openOption");
+    fixture.triggerWithFileDialog("openOption");
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, Warning);
     QCOMPARE(driver.m_lstBoxes.at(0).m_strText, Failed);
@@ -251,7 +251,7 @@ void TestWindowProject::saveWithoutAPathAsksForAName()
     QVERIFY(fixture.addTask(QStringLiteral("a")));
     ModalDriver driver;
     driver.file(at("p.lmv"));
-    fixture.trigger("saveOption");
+    fixture.triggerWithFileDialog("saveOption");
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstFiles.at(0).m_strTitle, QStringLiteral("保存文件"));
     QCOMPARE(driver.m_lstFiles.at(0).m_lstFilters, QStringList{QStringLiteral("项目文件(*.lmv)")});
@@ -288,8 +288,8 @@ void TestWindowProject::cancelledSaveWritesNothing()
     const WindowFixture fixture;
     ModalDriver driver;
     driver.file(QString()).file(QString());
-    fixture.trigger("saveOption");
-    fixture.trigger("saveOptionAs");
+    fixture.triggerWithFileDialog("saveOption");
+    fixture.triggerWithFileDialog("saveOptionAs");
     QVERIFY(driver.done());
     QVERIFY(QDir(m_pcFolder->path()).isEmpty());
     QCOMPARE(fixture.m_pcWindow->windowTitle(), QStringLiteral("Lumivant"));
@@ -302,7 +302,7 @@ void TestWindowProject::saveAsksBeforeItOverwritesAndDoes()
     QVERIFY(fixture.open(at("a.lmv")));
     ModalDriver driver;
     driver.box(QMessageBox::Yes);
-    fixture.trigger("saveOption");
+    fixture.triggerWithFileDialog("saveOption");
     QVERIFY(driver.done());
     QVERIFY(driver.m_lstBoxes.at(0).asks(QStringLiteral("是否覆盖当前文件?")));
     QCOMPARE(readFile(at("a.lmv")), QByteArray());
@@ -315,7 +315,7 @@ void TestWindowProject::saveAnsweredNoAsksForAnotherName()
     QVERIFY(fixture.open(at("a.lmv")));
     ModalDriver driver;
     driver.box(QMessageBox::No).file(QStringLiteral("b"));
-    fixture.trigger("saveOption");
+    fixture.triggerWithFileDialog("saveOption");
     QVERIFY(driver.done());
     QCOMPARE(readFile(at("a.lmv")), QByteArray("garbage"));
     QCOMPARE(readFile(at("b.lmv")), QByteArray());
@@ -329,7 +329,7 @@ void TestWindowProject::saveAsAlwaysAsksForAName()
     QVERIFY(fixture.open(at("a.lmv")));
     ModalDriver driver;
     driver.file(QStringLiteral("c.lmv"));
-    fixture.trigger("saveOptionAs");
+    fixture.triggerWithFileDialog("saveOptionAs");
     QVERIFY(driver.done());
     QVERIFY(driver.m_lstBoxes.isEmpty());
     QCOMPARE(readFile(at("a.lmv")), QByteArray("garbage"));
@@ -347,7 +347,7 @@ void TestWindowProject::dialogAsksBeforeAnotherProjectIsReplacedByANameWithoutEn
             dialog->reject();
         return dialog != nullptr;
     });
-    fixture.trigger("saveOptionAs");
+    fixture.triggerWithFileDialog("saveOptionAs");
     QVERIFY(driver.done());
     QCOMPARE(readFile(at("other.lmv")), QByteArray("precious"));
 }
@@ -395,7 +395,7 @@ void TestWindowProject::failedSavesKeepPathTitleAndTasks()
     QVERIFY(fixture.open(at("a.lmv")));
     ModalDriver driver;
     driver.file(name).box(QMessageBox::Ok);
-    fixture.trigger("saveOptionAs");
+    fixture.triggerWithFileDialog("saveOptionAs");
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, Warning);
     QCOMPARE(driver.m_lstBoxes.at(0).m_strText, Failed);
@@ -413,7 +413,7 @@ void TestWindowProject::aFolderInPlaceOfTheFileIsAFailedSave()
     QVERIFY(QDir(m_pcFolder->path()).mkdir(QStringLiteral("a.lmv")));
     ModalDriver driver;
     driver.box(QMessageBox::Yes).box(QMessageBox::Ok);
-    fixture.trigger("saveOption");
+    fixture.triggerWithFileDialog("saveOption");
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstBoxes.at(1).m_strText, Failed);
     QVERIFY(QFileInfo(at("a.lmv")).isDir());
@@ -436,7 +436,7 @@ void TestWindowProject::diskThatTakesOnlyAPartKeepsTheOldProject()
     QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
     ModalDriver driver;
     driver.box(QMessageBox::Yes).box(QMessageBox::Ok);
-    fixture.trigger("saveOption");
+    fixture.triggerWithFileDialog("saveOption");
     setrlimit(RLIMIT_FSIZE, &old);
     std::signal(SIGXFSZ, oldHandler);
 
