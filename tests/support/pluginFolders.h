@@ -20,8 +20,8 @@
  *
  * Algorithms (class, name, identifier):
  * - algorithmEcho: "Test", "Echo", "Test.Echo". Its result is its option text, so an option makes any result. Its
- *   configuration window returns its option text, or what setConfigResult() says; counts calls of every entry point,
- * and testFirstCall() tells their order.
+ *   configuration window returns its option text, or what setConfigResult() says; counts calls of every entry point;
+ *   testFirstCall() tells their order.
  * - algorithmSlow: "Test", "Slow", "Test.Slow". Option "milliseconds;result"; testRunning() says how many calls are
  *   inside execute; counts "execute".
  * - algorithmTrace: "Test", "Trace", "Test.Trace". Appends its option to the strings record 900; empty result.
