@@ -1,3 +1,4 @@
+#include "pluginFolders.h"
 #include "windowFixture.h"
 
 #include <QElapsedTimer>
@@ -15,6 +16,8 @@ class TestOutputLine : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase();
+    void whatAStepOfARunningTaskPrintsIsShown();
     void printFromTheWindowsThreadShowsAtOnce();
     void printFromAnotherThreadArrivesWithTheEventLoop();
     void newestOfManyIsShownAtLast();
@@ -50,6 +53,33 @@ void printInThread(const QString& message)
 }
 
 }  // namespace
+
+void TestOutputLine::initTestCase()
+{
+    PluginFolders::clear();
+    PluginFolders::addBase(QStringLiteral("algorithmEcho"));
+    PluginFolders::addSource(QStringLiteral("sourceScripted"));
+}
+
+void TestOutputLine::whatAStepOfARunningTaskPrintsIsShown()
+{
+    const WindowFixture fixture;
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("prints.lmv"));
+    QByteArray task = taskOnDisk("a", 0,
+                                 "<-TaskItem-><-MaxExeTimes->-1</-MaxExeTimes-><-ArithmID->Test.Echo</-ArithmID->"
+                                 "<-OptionStr-><CMD>print:找到 3 个</CMD></-OptionStr-></-TaskItem->");
+    task.replace("Memory Disk 0", "Test Scripted").replace("<Config>", "<Config>wait=5");
+    writeFile(path, task);
+    QVERIFY(fixture.open(path));
+
+    fixture.press("btnStartAll");
+
+    QTRY_COMPARE(fixture.output()->text(), QStringLiteral("找到 3 个"));
+    QVERIFY(TaskMgr::getInstance()->getTask(0)->IsRunning());
+    fixture.press("btnStopAll");
+    QVERIFY(!TaskMgr::getInstance()->getTask(0)->IsRunning());
+}
 
 void TestOutputLine::printFromTheWindowsThreadShowsAtOnce()
 {
