@@ -33,6 +33,7 @@ private Q_SLOTS:
     void freshStepHasNoLimit();
     void combosFollowWhatTheTaskHolds();
     void combosStayWhereTheTaskHoldsTheFirstEntry();
+    void numbersThatTheCombosLackStayWithTheTask();
     void choosingInACombosChangesTheTask();
     void eachWidgetMayBeMissing();
     void flowTableAsksForItsOwnMenu();
@@ -145,6 +146,20 @@ void tstTaskModel::combosStayWhereTheTaskHoldsTheFirstEntry()
 
     QCOMPARE(views.currentIndex(), 2);
     QCOMPARE(threads.currentIndex(), 2);
+}
+
+// A project from a machine with more processors.
+void tstTaskModel::numbersThatTheCombosLackStayWithTheTask()
+{
+    TaskInfo task(QString(), nullptr);
+    task.fromString(QStringLiteral("<-Kernel->40</-Kernel-><-View->7</-View->"));
+
+    const Tab tab(task);
+
+    QCOMPARE(tab.m_cThreads.currentIndex(), -1);
+    QCOMPARE(tab.m_cViews.currentIndex(), -1);
+    QCOMPARE(task.getKernel(), 40);
+    QCOMPARE(task.getView(), 7);
 }
 
 void tstTaskModel::choosingInACombosChangesTheTask()
