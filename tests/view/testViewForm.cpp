@@ -7,6 +7,7 @@
 
 #include <QLabel>
 #include <QPainter>
+#include <QSet>
 #include <QtTest>
 
 #include <atomic>
@@ -74,6 +75,26 @@ void queuePoint(ArithmParamMgr* store, int id, int x, int y)
             store);
 }
 
+/// Sees every timer of the program fire, and keeps those of the views from doing so when asked to.
+class TimerWatch : public QObject
+{
+public:
+    explicit TimerWatch(bool stopViews) : m_bStopViews(stopViews) { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        const auto* timer = event->type() == QEvent::Timer ? qobject_cast<QTimer*>(object) : nullptr;
+        if (timer)
+            m_setPeriods.insert(timer->interval());
+        return timer && m_bStopViews && timer->interval() == 300;
+    }
+
+    QSet<int> m_setPeriods;  ///< Milliseconds.
+
+private:
+    bool m_bStopViews;
+};
+
 /// As the window system reports it; QTest::mouseMove only moves the cursor.
 void moveMouse(ViewForm& view, QPoint to, Qt::MouseButtons buttons)
 {
@@ -129,6 +150,8 @@ private Q_SLOTS:
     void timerDrainsTheQueue();
     void timeoutWithoutOptionsPaintsNothing();
     void oneOptionIsDrawnEachPaint();
+    void refreshTimerHasAPeriodOf300Milliseconds();
+    void eachPaintThatDrewCallsTheNextWithoutTheTimer();
     void hiddenViewDrawsNothing();
     void viewWithoutARecordPaints();
     void pictureAndShapesOfATaskAreShown();
@@ -140,6 +163,7 @@ private Q_SLOTS:
     void rectangleStaysAfterReleaseAndStopsFollowing();
     void rightPressHidesTheRectangleAndStartsNone();
     void pressUpAndLeftOfTheOldStartShowsARectangleToItUntilTheMouseMoves();
+    void placesOfTheMouseAreRounded();
     void doubleClickIsIgnored();
     void measureSaturatesWithExtremeEntries();
     void deletedViewLeavesTheArray();
@@ -313,6 +337,25 @@ void TestViewForm::oneOptionIsDrawnEachPaint()
     QCOMPARE(waiting(), 0);
 }
 
+void TestViewForm::refreshTimerHasAPeriodOf300Milliseconds()
+{
+    const TimerWatch watch(false);
+
+    QTRY_COMPARE_WITH_TIMEOUT(watch.m_setPeriods, QSet<int>{300}, 20000);
+}
+
+void TestViewForm::eachPaintThatDrewCallsTheNextWithoutTheTimer()
+{
+    const TimerWatch watch(true);
+    showView();
+    for (int id = 1; id <= 5; ++id)
+        queuePoint(m_cStore.get(), id, id, 0);
+
+    m_pcView->update();
+
+    QTRY_COMPARE_WITH_TIMEOUT(waiting(), 0, 20000);
+}
+
 void TestViewForm::hiddenViewDrawsNothing()
 {
     queuePoint(m_cStore.get(), 1, 5, 5);  // no such view before its first size
@@ -463,6 +506,23 @@ void TestViewForm::pressUpAndLeftOfTheOldStartShowsARectangleToItUntilTheMouseMo
     drawMeasure(expected, {20, 60}, {59, 69}, "x=20, y=60", "w=40, h=10");
     QCOMPARE(difference(shown(*m_pcView), expected), QString());
     QTest::mouseRelease(m_pcView.get(), Qt::LeftButton, Qt::NoModifier, {20, 60});
+}
+
+void TestViewForm::placesOfTheMouseAreRounded()
+{
+    showView();
+    const auto send = [this](QEvent::Type type, QPointF place, Qt::MouseButton button) {
+        QMouseEvent event(type, place, button, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_pcView.get(), &event);
+    };
+
+    send(QEvent::MouseButtonPress, {9.6, 60.4}, Qt::LeftButton);
+    send(QEvent::MouseMove, {19.4, 78.5}, Qt::NoButton);
+
+    QImage expected = filledCanvas(200, 150, 0xFF000000);
+    drawMeasure(expected, {10, 60}, {19, 79}, "x=10, y=60", "w=10, h=20");
+    QCOMPARE(difference(shown(*m_pcView), expected), QString());
+    send(QEvent::MouseButtonRelease, {19.4, 78.5}, Qt::LeftButton);
 }
 
 void TestViewForm::doubleClickIsIgnored()
