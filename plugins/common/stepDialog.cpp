@@ -9,6 +9,10 @@
 #include <QLineEdit>
 #include <QSpinBox>
 
+namespace {
+constexpr int OutputNameWidth = 120;  ///< Pixels; a name of some seven Chinese characters.
+}
+
 StepDialog::StepDialog(const QString& title, ArithmParamMgr& store)
     : QDialog(QApplication::activeWindow()), m_cStore(store), m_pcUi(std::make_unique<Ui::StepDialog>())
 {
@@ -104,6 +108,7 @@ QLineEdit* StepDialog::addOutput(const char* objectName, const QString& label, c
 {
     auto* edit = new QLineEdit(output.name, this);
     edit->setObjectName(QLatin1String(objectName));
+    edit->setMinimumWidth(OutputNameWidth);
     m_pcUi->layOutputs->addRow(label, edit);
     return edit;
 }

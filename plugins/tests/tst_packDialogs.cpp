@@ -30,6 +30,7 @@ private slots:
     void configuredStepRuns_data() { newStepMakesItsOutputs_data(); }
     void configuredStepRuns();
     void tableShowsIdentifierKindNameAndDescription();
+    void columnsHaveRoomForTheDescriptionsOfSteps();
     void missingInputIsNotSilentlyReplaced();
     void doubleClickAccepts();
     void parametersReachTheOptionText();
@@ -191,6 +192,20 @@ void TestPackDialogs::tableShowsIdentifierKindNameAndDescription()
     });
     QCOMPARE(rows, 3);
     QCOMPARE(first, (QStringList{"1", "彩色图像", "相机", "原图"}));
+}
+
+void TestPackDialogs::columnsHaveRoomForTheDescriptionsOfSteps()
+{
+    const StorePtr store = filledStore();
+    for (int id : {2, 3})
+        store->getParamGray8(id)->setDescribe(QStringLiteral("彩色转灰度的结果"));
+    AlgorithmLibrary("threshold").configure(QString(), store.get(), [](QDialog& dialog) {
+        auto* table = widgetOf<QTableWidget>(dialog, "tblInputs");
+        for (int column = 0; column < 4; ++column) {
+            const int needed = table->fontMetrics().horizontalAdvance(table->item(0, column)->text());
+            QVERIFY2(table->columnWidth(column) > needed, qPrintable(QString::number(column)));
+        }
+    });
 }
 
 void TestPackDialogs::missingInputIsNotSilentlyReplaced()
