@@ -1,0 +1,77 @@
+#include "loading/pictureReader.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QtEndian>
+
+#include <cstdlib>
+
+namespace {
+
+/// Bottom-up and top-down pictures differ in the sign of their height.
+bool isReasonable(QSize size)
+{
+    const qint64 width = std::abs(qint64{size.width()});
+    const qint64 height = std::abs(qint64{size.height()});
+    return width > 0 && height > 0 && width <= PictureReader::MaxPixels / height;
+}
+
+/// Whether an uncompressed bitmap has all of its rows: Qt leaves missing rows as they happen to lie in memory.
+bool bitmapHasAllRows(QFile& file, QSize size)
+{
+    constexpr qint64 HeaderBytes = 34;
+    const QByteArray header = file.read(HeaderBytes);
+    if (header.size() < HeaderBytes)
+        return false;
+    const auto number = [&](int offset) { return qFromLittleEndian<quint32>(header.constData() + offset); };
+    constexpr quint32 CoreHeaderBytes = 12;  // the oldest kind: never compressed, shorter fields
+    const bool isCore = number(14) == CoreHeaderBytes;
+    const quint32 compression = isCore ? 0 : number(30);
+    constexpr quint32 BitFields = 3;
+    if (compression != 0 && compression != BitFields)
+        return true;
+    const int bitsAPixel = qFromLittleEndian<quint16>(header.constData() + (isCore ? 24 : 28));
+    const qint64 rowBytes = (std::abs(qint64{size.width()}) * bitsAPixel + 31) / 32 * 4;
+    return file.size() >= number(10) + rowBytes * std::abs(qint64{size.height()});
+}
+
+/// Whether a JPEG stream has its end marker after its last start of a scan: Qt paints the missing rest grey.
+bool jpegHasItsEnd(QFile& file)
+{
+    const QByteArray end = QByteArrayLiteral("\xFF\xD9");
+    if (file.seek(file.size() - end.size()) && file.read(end.size()) == end)
+        return true;
+    file.seek(0);
+    const QByteArray all = file.readAll();  // something follows the picture, or its end is missing
+    return all.indexOf(end, std::max(0, all.lastIndexOf(QByteArrayLiteral("\xFF\xDA")))) >= 0;
+}
+
+/// Whether nothing of the file is missing, for the formats of which Qt decodes torsos without a word.
+bool isWhole(const QString& path, QSize size)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray magic = file.peek(2);
+    if (magic == "BM")
+        return bitmapHasAllRows(file, size);
+    if (magic == "\xFF\xD8")
+        return jpegHasItsEnd(file);
+    return true;
+}
+
+}  // namespace
+
+QImage PictureReader::read(const QString& path)
+{
+    // A pipe or a device could keep the reader for ever.
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile())
+        return {};
+    QImageReader reader(path);
+    const QSize size = reader.size();
+    if (!isReasonable(size) || !isWhole(reader.fileName(), size))
+        return {};
+    return reader.read();
+}

@@ -1,0 +1,183 @@
+#include "loading/loading.h"
+#include "loading/pictureReader.h"
+#include "pictureSupport.h"
+
+#include <QtEndian>
+#include <QtTest>
+
+#include <sys/stat.h>
+
+using namespace PictureSupport;
+
+namespace {
+
+QByteArray encoded(const QImage& picture, const char* format)
+{
+    const Folder folder;
+    return bytesOf(folder.save(picture, QStringLiteral("a.") + format));
+}
+
+/// A bitmap header of any size and depth with few bytes behind it.
+QByteArray bitmap(qint32 width, qint32 height, quint16 bits, quint32 compression, int pixelBytes)
+{
+    QByteArray bytes(54, '\0');
+    char* header = bytes.data();
+    header[0] = 'B';
+    header[1] = 'M';
+    qToLittleEndian<quint32>(static_cast<quint32>(54 + pixelBytes), header + 2);
+    qToLittleEndian<quint32>(54, header + 10);
+    qToLittleEndian<quint32>(40, header + 14);
+    qToLittleEndian<qint32>(width, header + 18);
+    qToLittleEndian<qint32>(height, header + 22);
+    qToLittleEndian<quint16>(1, header + 26);
+    qToLittleEndian<quint16>(bits, header + 28);
+    qToLittleEndian<quint32>(compression, header + 30);
+    return bytes + QByteArray(pixelBytes, '\x40');
+}
+
+QByteArray hugeBlackAndWhitePng(int width, int height)
+{
+    QImage picture(width, height, QImage::Format_Mono);
+    picture.fill(0);
+    return encoded(picture, "png");
+}
+
+QByteArray changed(QByteArray bytes, int position, char value)
+{
+    bytes[position] = value;
+    return bytes;
+}
+
+}  // namespace
+
+class TestBadPictures : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void badFileLeavesTheRecordAsItWas_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("name");
+        const QImage picture = numberedPicture(40, 30);
+        const QByteArray png = encoded(picture, "png");
+        const QByteArray bmp = encoded(picture, "bmp");
+        const QByteArray jpg = encoded(picture, "jpg");
+        const QByteArray pal = encoded(palettePicture(40, 30), "bmp");
+        QTest::newRow("empty png") << QByteArray() << "a.png";
+        QTest::newRow("empty bmp") << QByteArray() << "a.bmp";
+        QTest::newRow("empty jpg") << QByteArray() << "a.jpg";
+        QTest::newRow("text") << QByteArray("not a picture") << "a.png";
+        QTest::newRow("foreign") << QByteArray(
+                                        "\x7F"
+                                        "ELF\x02\x01\x01",
+                                        7)
+                                 << "a.bmp";
+        QTest::newRow("png, half") << png.left(png.size() / 2) << "a.png";
+        QTest::newRow("png, header only") << png.left(33) << "a.png";
+        QTest::newRow("png, damaged header") << changed(png, 20, '\x7F') << "a.png";
+        QTest::newRow("png, damaged data") << changed(png, png.size() / 2, char(~png[png.size() / 2])) << "a.png";
+        QTest::newRow("bmp, half") << bmp.left(bmp.size() / 2) << "a.bmp";
+        QTest::newRow("bmp, one byte short") << bmp.left(bmp.size() - 1) << "a.bmp";
+        QTest::newRow("bmp, header only") << bmp.left(54) << "a.bmp";
+        QTest::newRow("bmp, half a header") << bmp.left(30) << "a.bmp";
+        QTest::newRow("bmp with palette, half") << pal.left(pal.size() - 300) << "a.bmp";
+        QTest::newRow("jpg, half") << jpg.left(jpg.size() / 2) << "a.jpg";
+        QTest::newRow("jpg, without its end") << jpg.left(jpg.size() - 2) << "a.jpg";
+        QTest::newRow("jpg, two bytes") << jpg.left(2) << "a.jpg";
+        QTest::newRow("bmp that claims to be huge") << bitmap(60000, 60000, 24, 0, 300) << "a.bmp";
+        QTest::newRow("bmp of no width") << bitmap(0, 5, 24, 0, 300) << "a.bmp";
+        QTest::newRow("bmp of negative width") << bitmap(-5, 5, 24, 0, 300) << "a.bmp";
+        QTest::newRow("bmp of the smallest height")
+            << bitmap(5, std::numeric_limits<qint32>::min(), 24, 0, 300) << "a.bmp";
+        QTest::newRow("png that is huge") << hugeBlackAndWhitePng(8193, 8192) << "a.png";
+    }
+
+    void badFileLeavesTheRecordAsItWas()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, name);
+        const Store store = makeStore();
+        const Folder folder;
+        store->getParamDIB(3)->resize(2, 1);
+        std::memset(store->getParamDIB(3)->getDIB(), 0x5A, 8);
+        store->getParamDIB(3)->setName(QStringLiteral("kept"));
+        const QString path = folder.write(bytes, name);
+
+        for (const char* beGray : {"0", "1"}) {
+            const QString text = QStringLiteral(
+                                     "<FilePath>%1</FilePath><OutputName>new</OutputName><BeGray>%2</BeGray>"
+                                     "<PicID>3</PicID>")
+                                     .arg(path, beGray);
+            QCOMPARE(execute<Loading>(text, store.get()), QString());
+        }
+        QCOMPARE(bytesOf(*store->findParamDIB(3)), QByteArray(8, 0x5A));
+        QCOMPARE(store->findParamDIB(3)->getName(), QStringLiteral("kept"));
+        QVERIFY(!store->findParamGray8(3));
+    }
+
+    void pathThatIsNoRegularFileIsRefusedAtOnce()
+    {
+        const Folder folder;
+        const QString pipe = folder.path("pipe.png");
+        QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        QVERIFY(PictureReader::read(pipe).isNull());
+        QVERIFY(PictureReader::read(folder.path()).isNull());
+        QVERIFY(PictureReader::read(folder.path("missing.png")).isNull());
+        QVERIFY(PictureReader::read(QString()).isNull());
+    }
+
+    void missingFileLeavesThePreviousPicture()
+    {
+        const Store store = makeStore();
+        const Folder folder;
+        const QString path = folder.save(plainPicture(4, 4, 0xFF102030), "a.png");
+        const QString text = "<FilePath>" + path + "</FilePath><PicID>3</PicID>";
+        execute<Loading>(text, store.get());
+        QVERIFY(QFile::remove(path));
+        QCOMPARE(execute<Loading>(text, store.get()), QString());
+        QCOMPARE(bytesOf(*store->findParamDIB(3)).left(3), QByteArray("\x10\x20\x30"));
+    }
+
+    void largestPictureIsStillRead()
+    {
+        const Folder folder;
+        const QString path = folder.write(hugeBlackAndWhitePng(8192, 8192), "largest.png");
+        QCOMPARE(PictureReader::read(path).size(), QSize(8192, 8192));
+    }
+
+    void goodFilesOfOddMakeAreRead_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QSize>("size");
+        const QByteArray jpg = encoded(numberedPicture(40, 30), "jpg");
+        QTest::newRow("top-down bitmap") << bitmap(4, -3, 24, 0, 36) << QSize(4, 3);
+        QTest::newRow("bitmap with bytes behind it") << bitmap(4, 3, 24, 0, 99) << QSize(4, 3);
+        QTest::newRow("jpg with bytes behind it") << jpg + QByteArray(500, 'x') << QSize(40, 30);
+        QTest::newRow("two jpgs in one file") << jpg + jpg << QSize(40, 30);
+        QTest::newRow("png under a foreign suffix") << encoded(numberedPicture(6, 5), "png") << QSize(6, 5);
+    }
+
+    void goodFilesOfOddMakeAreRead()
+    {
+        QFETCH(QByteArray, bytes);
+        const Folder folder;
+        QTEST(PictureReader::read(folder.write(bytes, "odd.bmp")).size(), "size");
+    }
+
+    void torsosOfEveryLengthNeverCrash()
+    {
+        const Folder folder;
+        for (const char* format : {"png", "bmp", "jpg"}) {
+            const QByteArray whole = encoded(numberedPicture(16, 9), format);
+            for (int length = 0; length < whole.size(); length += 7) {
+                const QString path = folder.write(whole.left(length), QStringLiteral("torso.") + format);
+                const QSize size = PictureReader::read(path).size();
+                QVERIFY(size.isEmpty() || size == QSize(16, 9));
+            }
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestBadPictures)
+#include "testBadPictures.moc"
