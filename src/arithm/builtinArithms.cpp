@@ -1,6 +1,8 @@
 #include "arithm/arithm.h"
 #include "arithm/arithmFactory.h"
 #include "drawing/drawing.h"
+#include "loading/loading.h"
+#include "saving/saving.h"
 
 namespace {
 
@@ -17,4 +19,6 @@ void ArithmFactory::registerBuiltins()
 {
     // Menus list them in this order: MemoryDisk, Drawing, Saving, Loading, each from the day it exists.
     registerArithm(Drawing::getClass(), Drawing::getName(), makeBuiltin<Drawing>());
+    registerArithm(Saving::getClass(), Saving::getName(), makeBuiltin<Saving>());
+    registerArithm(Loading::getClass(), Loading::getName(), makeBuiltin<Loading>());
 }
