@@ -40,6 +40,14 @@ def rows(time, window):
     copy = time["canvasCopy"]
     yield "full HD colour onto 960x540 / canvas copy", time["drawPicture/0"], copy, "-", None
     yield "full HD grey onto 960x540 / canvas copy", time["drawPicture/1"], copy, "-", None
+    for kind, name in enumerate(("any colours", "pure greys")):
+        yield f"grey of full HD, {name} / double loop", time[f"greyOfRgb/{kind}"], time[f"greyByDoubles/{kind}"], \
+            "below 1", time[f"greyOfRgb/{kind}"] < time[f"greyByDoubles/{kind}"]
+    for number, name in enumerate(("JPG", "PNG", "BMP")):
+        for grey, kind in enumerate(("colour", "grey")):
+            yield f"loading a full HD {name} as {kind} / QImage", time[f"loadByStep/{number}/{grey}"], \
+                time[f"loadByQt/{number}"], "-", None
+        yield f"saving a full HD {name} / QImage", time[f"saveByStep/{number}"], time[f"saveByQt/{number}"], "-", None
     frame = 16e6
     yield "window away, 99th percentile / a frame", window["p99_ms"] * 1e6, frame, "at most 1", \
         window["p99_ms"] <= 16
