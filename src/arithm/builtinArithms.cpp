@@ -2,6 +2,7 @@
 #include "arithm/arithmFactory.h"
 #include "drawing/drawing.h"
 #include "loading/loading.h"
+#include "memoryDisk/memoryDisk.h"
 #include "saving/saving.h"
 
 namespace {
@@ -17,7 +18,8 @@ Arithm* makeBuiltin()
 
 void ArithmFactory::registerBuiltins()
 {
-    // Menus list them in this order: MemoryDisk, Drawing, Saving, Loading, each from the day it exists.
+    // Menus list them in this order: MemoryDisk, Drawing, Saving, Loading.
+    registerArithm(MemoryDisk::getClass(), MemoryDisk::getName(), makeBuiltin<MemoryDisk>());
     registerArithm(Drawing::getClass(), Drawing::getName(), makeBuiltin<Drawing>());
     registerArithm(Saving::getClass(), Saving::getName(), makeBuiltin<Saving>());
     registerArithm(Loading::getClass(), Loading::getName(), makeBuiltin<Loading>());

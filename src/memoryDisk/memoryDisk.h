@@ -3,7 +3,12 @@
 #include "memoryDisk/picturePool.h"
 #include "paramStore/pictureLayout.h"
 
+#include <QString>
+
 #include <array>
+#include <memory>
+
+class ArithmParamMgr;
 
 /**
  * One of six in-memory disks through which a task hands pictures to another: a pool of colour pictures and a pool of
@@ -63,6 +68,21 @@ public:
 
     static constexpr int DiskNum = 6;
     static std::array<MemoryDisk, DiskNum> s_acMemDisk;
+
+    // ---- The built-in algorithm "写内存盘" (memoryDiskWriter.cpp)
+    // ---------------------------------------------------- Copies one picture record into a disk; execute runs on task
+    // threads, showConfigWindow on the window's thread.
+
+    static QString getName();
+    static QString getClass();
+    static const char* getID();
+    static char* execute(char* option, ArithmParamMgr* store);                 ///< The error text; empty on success.
+    static char* showConfigWindow(char* option, ArithmParamMgr* store, bool);  // dlgMemoryDiskConfig.cpp
+    static char* transConfigStr(QString& text);                                ///< See putResultText.
+
+    static const char* s_ID;
+    static thread_local std::unique_ptr<char[]> s_pchConfigStr;
+    static thread_local int s_nBuffLen;
 
 private:
     PicturePool<DIB> m_cDIBPool;

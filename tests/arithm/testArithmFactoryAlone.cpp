@@ -21,8 +21,8 @@ private slots:
             builtins += info.m_strClass + "/" + info.m_strName + "/" + info.m_pcArithm->getID();
             QVERIFY(!info.m_pcArithm->IsExtLib());
         }
-        QCOMPARE(builtins,
-                 QStringList({"系统/绘制对象/KW_Drawing", "系统/保存图像/KW_Saving", "系统/加载图像/KW_Loading"}));
+        QCOMPARE(builtins, QStringList({"系统/写内存盘/KW_MemoryDisk", "系统/绘制对象/KW_Drawing",
+                                        "系统/保存图像/KW_Saving", "系统/加载图像/KW_Loading"}));
         QVERIFY(!QCoreApplication::instance());
     }
 };

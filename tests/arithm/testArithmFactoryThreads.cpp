@@ -10,7 +10,7 @@ class TestArithmFactoryThreads : public QObject
 {
     Q_OBJECT
 
-    static constexpr int Builtins = 3;
+    static constexpr int Builtins = 4;
 
 private slots:
     void initTestCase()

@@ -91,7 +91,8 @@ private slots:
         QStringList ids;
         for (const ArithmFactory::ArithmInfo& info : qAsConst(*ArithmFactory::getInstance()->getArithms()))
             ids += info.m_pcArithm->getID();
-        QCOMPARE(ids, QStringList({"KW_Drawing", "KW_Saving", "KW_Loading", "Test.Echo", "Test.Trace"}));
+        QCOMPARE(ids,
+                 QStringList({"KW_MemoryDisk", "KW_Drawing", "KW_Saving", "KW_Loading", "Test.Echo", "Test.Trace"}));
     }
 };
 

@@ -3,9 +3,11 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTimer>
@@ -30,7 +32,11 @@ Widget* child(QWidget& dialog, const char* name)
 
 inline void click(QWidget& dialog, const char* button)
 {
-    QTest::mouseClick(child<QAbstractButton>(dialog, button), Qt::LeftButton);
+    auto* widget = child<QAbstractButton>(dialog, button);
+    QPoint place = widget->rect().center();
+    if (qobject_cast<QRadioButton*>(widget))
+        place.setX(8);  // Only its circle and its text take clicks.
+    QTest::mouseClick(widget, Qt::LeftButton, Qt::NoModifier, place);
 }
 
 inline void clickCell(QTableWidget* table, int row, int column = 0)
