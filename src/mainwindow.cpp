@@ -1,6 +1,7 @@
 #include "mainwindow.h"
 
 #include "globalFunction.h"
+#include "memoryDisk/dlgMemoryDiskStatus.h"
 #include "outputLine.h"
 #include "taskMgr/taskMgr.h"
 #include "ui_mainwindow.h"
@@ -122,6 +123,17 @@ void MainWindow::on_btnClearMsg_clicked()
 {
     m_pcOutputLine->show(QString());
     m_pcUi->wgViewControl->repaint();
+}
+
+void MainWindow::on_viewMemoryWnd_triggered()
+{
+    if (!m_pcMemoryWnd) {
+        m_pcMemoryWnd = std::make_unique<DlgMemoryDiskStatus>();
+        m_pcMemoryWnd->setAttribute(Qt::WA_QuitOnClose, false);  // It has no parent, and must not outlive the window.
+        m_pcMemoryWnd->adjustSize();
+        m_pcMemoryWnd->move(x() + width() - m_pcMemoryWnd->width(), y());
+    }
+    m_pcMemoryWnd->show();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

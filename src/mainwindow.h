@@ -5,6 +5,7 @@
 
 #include <memory>
 
+class DlgMemoryDiskStatus;
 class OutputLine;
 class TaskInfo;
 class ViewForm;
@@ -58,6 +59,7 @@ public Q_SLOTS:
     // ---- Views and output line (mainwindow.cpp) ---------------------------------------------------------------------
     void on_cbLayout_currentIndexChanged(int index);
     void on_btnClearMsg_clicked();
+    void on_viewMemoryWnd_triggered();  ///< Made on first use, then shown again.
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -80,5 +82,6 @@ private:
 
     std::unique_ptr<Ui::MainWindow> m_pcUi;
     std::unique_ptr<OutputLine> m_pcOutputLine;
-    QString m_strPath;  ///< File of the current project; empty when it has none.
+    std::unique_ptr<DlgMemoryDiskStatus> m_pcMemoryWnd;  ///< Null until first used; a window of its own.
+    QString m_strPath;                                   ///< File of the current project; empty when it has none.
 };
