@@ -153,13 +153,6 @@ const char* Drawing::getID()
     return s_ID;
 }
 
-// There is no window to edit the text in: the empty text says that the user cancelled, so the step keeps its text.
-char* Drawing::showConfigWindow(char* /*option*/, ArithmParamMgr* /*store*/, bool)
-{
-    QString cancelled;
-    return transConfigStr(cancelled);
-}
-
 char* Drawing::execute(char* option, ArithmParamMgr* store)
 {
     Option parsed(parseConfigString(QString::fromUtf8(option), store));

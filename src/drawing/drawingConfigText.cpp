@@ -21,6 +21,11 @@ void flagInto(bool& flag, const OptionReader& config, const char* tag)
         flag = true;
 }
 
+QString pair(int first, int second)
+{
+    return QString::number(first) + QLatin1Char(',') + QString::number(second);
+}
+
 }  // namespace
 
 namespace DrawingConfigText {
@@ -29,6 +34,11 @@ void ImageConfig::read(const OptionReader& config)
 {
     config.numberInto(m_nScaleType, "Scale");
     config.numberInto(m_nAlignType, "Pos");
+}
+
+QString ImageConfig::write() const
+{
+    return OptionWriter().number("Scale", m_nScaleType).number("Pos", m_nAlignType).result();
 }
 
 void GrayConfig::read(const OptionReader& config)
@@ -42,10 +52,26 @@ void GrayConfig::read(const OptionReader& config)
     mode.numberInto(m_nDrawMode, "Val");
 }
 
+QString GrayConfig::write() const
+{
+    OptionWriter mode;
+    if (m_nDrawMode == 1)
+        mode.number("Lapped", m_nLapped);
+    else if (m_nDrawMode == 2)
+        mode.text("Mask", pair(m_nMaskVal, m_nMaskColor));
+    mode.number("Val", m_nDrawMode);
+    return m_cImage.write() + OptionWriter().text("DrawMode", mode.result()).result();
+}
+
 void PointsConfig::read(const OptionReader& config)
 {
     config.numberInto(m_nSize, "Size");
     config.numberInto(m_nColor, "Color");
+}
+
+QString PointsConfig::write() const
+{
+    return OptionWriter().number("Size", m_nSize).number("Color", m_nColor).result();
 }
 
 void LinesConfig::read(const OptionReader& config)
@@ -55,6 +81,13 @@ void LinesConfig::read(const OptionReader& config)
     config.numberInto(m_nColor, "Color");
 }
 
+QString LinesConfig::write() const
+{
+    OptionWriter writer;
+    writer.number("Size", m_nSize).number("DspLen", m_bDisplayLength ? 1 : 0).number("Color", m_nColor);
+    return writer.result();
+}
+
 void PolysConfig::read(const OptionReader& config)
 {
     config.numberInto(m_nBorderSize, "BorderSize");
@@ -62,10 +95,22 @@ void PolysConfig::read(const OptionReader& config)
     flagInto(m_bDisplayArea, config, "DspArea");
 }
 
+QString PolysConfig::write() const
+{
+    OptionWriter writer;
+    writer.number("BorderSize", m_nBorderSize).number("BorderColor", m_nBorderColor);
+    return writer.number("DspArea", m_bDisplayArea ? 1 : 0).result();
+}
+
 void AreasConfig::read(const OptionReader& config)
 {
     flagInto(m_bDisplayArea, config, "DspArea");
     config.numberInto(m_nColor, "Color");
+}
+
+QString AreasConfig::write() const
+{
+    return OptionWriter().number("DspArea", m_bDisplayArea ? 1 : 0).number("Color", m_nColor).result();
 }
 
 void StringsConfig::read(const OptionReader& config)
@@ -78,6 +123,13 @@ void StringsConfig::read(const OptionReader& config)
     }
     // Kept on purpose: without a font size the text gets size 0, not the default.
     m_nFontSize = config.numberOrZero("FontSize");
+}
+
+QString StringsConfig::write() const
+{
+    OptionWriter writer;
+    writer.number("Color", m_nColor).text("Pos", pair(m_nPosX, m_nPosY)).number("FontSize", m_nFontSize);
+    return writer.result();
 }
 
 }  // namespace DrawingConfigText

@@ -6,7 +6,8 @@ class OptionReader;
 
 /**
  * The option text of a drawing step: which record, on which view, and one structure for each form of its <Config>.
- * A field keeps its default unless its element holds a number, exceptions named below.
+ * Reading: a field keeps its default unless its element holds a number, exceptions named below.
+ * Writing gives the body of <Config> as the dialog writes it, every field in a fixed order.
  */
 namespace DrawingConfigText {
 
@@ -29,6 +30,7 @@ struct ImageConfig
     int m_nAlignType = 0;
 
     void read(const OptionReader& config);
+    QString write() const;
 };
 
 struct GrayConfig
@@ -40,6 +42,7 @@ struct GrayConfig
     int m_nMaskColor = 0;
 
     void read(const OptionReader& config);
+    QString write() const;  ///< Of overlay and mask only what the draw mode needs.
 };
 
 struct PointsConfig
@@ -48,6 +51,7 @@ struct PointsConfig
     int m_nColor = 0;
 
     void read(const OptionReader& config);
+    QString write() const;
 };
 
 struct LinesConfig
@@ -57,6 +61,7 @@ struct LinesConfig
     bool m_bDisplayLength = false;
 
     void read(const OptionReader& config);
+    QString write() const;
 };
 
 struct PolysConfig
@@ -66,6 +71,7 @@ struct PolysConfig
     bool m_bDisplayArea = false;
 
     void read(const OptionReader& config);
+    QString write() const;
 };
 
 struct AreasConfig
@@ -74,6 +80,7 @@ struct AreasConfig
     bool m_bDisplayArea = false;
 
     void read(const OptionReader& config);
+    QString write() const;
 };
 
 struct StringsConfig
@@ -85,6 +92,7 @@ struct StringsConfig
 
     /// A place needs two parts, each 0 when it is no number; a missing or malformed font size becomes 0.
     void read(const OptionReader& config);
+    QString write() const;
 };
 
 }  // namespace DrawingConfigText

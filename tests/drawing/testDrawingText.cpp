@@ -18,7 +18,6 @@ class TestDrawingText : public QObject
 
 private Q_SLOTS:
     void identityIsThatOfTheDrawingStep();
-    void configWindowAnswersCancelled();
     void textsWithoutAnOption_data();
     void textsWithoutAnOption();
     void kindsByDataType_data();
@@ -55,14 +54,6 @@ void TestDrawingText::identityIsThatOfTheDrawingStep()
     QCOMPARE(Drawing::getClass(), QString::fromUtf8("系统"));
     QCOMPARE(Drawing::getID(), "KW_Drawing");
     QCOMPARE(static_cast<const void*>(Drawing::s_ID), static_cast<const void*>(Drawing::getID()));
-}
-
-void TestDrawingText::configWindowAnswersCancelled()
-{
-    const Store store = makeStore();
-    char text[] = "<DataType>3</DataType>";
-
-    QCOMPARE(Drawing::showConfigWindow(text, store.get(), false), "");
 }
 
 void TestDrawingText::textsWithoutAnOption_data()
