@@ -84,9 +84,3 @@ void DataSource::addKind(const QString& name, DataSourceInfo* info)
     delete entry;
     entry = info;
 }
-
-DataSource::DataSourceInstance* DataSource::newDataSource(ArithmParamMgr* /*store*/, QString& /*config*/)
-{
-    // There is no dialog to choose in, so nothing is ever chosen: the caller sees a user who cancelled.
-    return nullptr;
-}

@@ -82,13 +82,6 @@ private slots:
         QCOMPARE(DataSource::getInstance()->getKinds()->size(), 11);
         QCOMPARE(errorOf("Test Twin"), QString("sourceTwinB"));
     }
-
-    void newDataSourceWithoutAChoiceLeavesTheTextAlone()
-    {
-        QString config = "as it was";
-        QVERIFY(!DataSource::getInstance()->newDataSource(nullptr, config));
-        QCOMPARE(config, QString("as it was"));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestDataSourceRegistry)
