@@ -1,0 +1,252 @@
+#include "dataSource/dlgDataSource.h"
+#include "dialogDriver.h"
+#include "drawing/dlgDrawingConfig.h"
+#include "memoryDisk/dlgMemoryDiskConfig.h"
+#include "memoryDisk/dlgMemoryDiskStatus.h"
+#include "paramStore/arithmParamMgr.h"
+
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QProgressBar>
+#include <QScopeGuard>
+
+using namespace DialogDriver;
+
+namespace {
+
+const QMap<QString, DataSource::DataSourceInfo*> Kinds{{QStringLiteral("Memory Disk 0"), nullptr},
+                                                       {QStringLiteral("工业相机"), nullptr}};
+
+std::unique_ptr<QDialog> make(const QString& name, ArithmParamMgr* store)
+{
+    if (name == QLatin1String("memoryDiskConfig"))
+        return std::make_unique<DlgMemoryDiskConfig>(QString(), store, nullptr);
+    if (name == QLatin1String("memoryDiskStatus"))
+        return std::make_unique<DlgMemoryDiskStatus>();
+    if (name == QLatin1String("dataSource"))
+        return std::make_unique<DlgDataSource>(&Kinds, store, QString(), nullptr);
+    return std::make_unique<DlgDrawingConfig>(QString(), store, nullptr);
+}
+
+/// The pages of a dialog, or just the one.
+int pageNum(QDialog& dialog)
+{
+    const auto* tabs = dialog.findChild<QTabWidget*>();
+    return tabs ? tabs->count() : 1;
+}
+
+void openPage(QDialog& dialog, int page)
+{
+    if (auto* tabs = dialog.findChild<QTabWidget*>())
+        tabs->setCurrentIndex(page);
+    QCoreApplication::processEvents();
+}
+
+bool showsText(const QWidget* widget)
+{
+    return qobject_cast<const QLabel*>(widget) || qobject_cast<const QAbstractButton*>(widget) ||
+           qobject_cast<const QComboBox*>(widget) || qobject_cast<const QGroupBox*>(widget) ||
+           qobject_cast<const QProgressBar*>(widget);
+}
+
+/// The names of widgets that are smaller than their text needs.
+QStringList clipped(const QDialog& dialog)
+{
+    QStringList names;
+    for (const QWidget* widget : dialog.findChildren<QWidget*>()) {
+        if (!widget->isVisible() || !showsText(widget))
+            continue;
+        const QSize needed = widget->minimumSizeHint();
+        if (widget->width() < needed.width() || widget->height() < needed.height())
+            names += widget->objectName();
+    }
+    return names;
+}
+
+}  // namespace
+
+class DialogLooksTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_pcStore = ArithmParamMgr::newInstance();
+        fill(m_pcStore->getParamDIB(1), "相机图片", "第一台相机的彩色图片");
+        fill(m_pcStore->getParamDIB(2), "结果", "处理以后");
+        fill(m_pcStore->getParamGray8(3), "灰度", "阈值以后");
+        fill(m_pcStore->getParamGray16(4), "深度", "十六位");
+        fill(m_pcStore->getParamPoints(5), "角点", "找到的角点");
+        fill(m_pcStore->getParamLines(6), "边", "找到的边");
+        fill(m_pcStore->getParamPolys(7), "轮廓", "零件的轮廓");
+        fill(m_pcStore->getParamAreas(8), "零件", "找到的零件");
+        fill(m_pcStore->getParamStrings(9), "文字", "读到的文字");
+    }
+    void cleanupTestCase() { ArithmParamMgr::deleteInstance(m_pcStore); }
+
+    void nothingIsClippedAtItsSmallestSizeWhichFitsASmallScreen_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("percent");
+        for (const char* name : {"memoryDiskConfig", "memoryDiskStatus", "dataSource", "drawing"}) {
+            QTest::newRow(name) << name << 100;
+            QTest::newRow(QByteArray(name) + " in large letters") << name << 150;
+        }
+    }
+    void nothingIsClippedAtItsSmallestSizeWhichFitsASmallScreen()
+    {
+        QFETCH(QString, name);
+        QFETCH(int, percent);
+        const QFont usual = QApplication::font();
+        const auto restore = qScopeGuard([usual] { QApplication::setFont(usual); });
+        QFont font = usual;
+        font.setPointSizeF(usual.pointSizeF() * percent / 100);
+        QApplication::setFont(font);
+        const std::unique_ptr<QDialog> dialog = make(name, m_pcStore);
+        dialog->show();
+        for (int page = 0; page < pageNum(*dialog); ++page) {
+            openPage(*dialog, page);
+            dialog->resize(dialog->minimumSizeHint());
+            QCoreApplication::processEvents();
+            QCOMPARE(clipped(*dialog).join(' '), QString());
+            QVERIFY2(dialog->width() <= 1024 && dialog->height() <= 600,
+                     qPrintable(QStringLiteral("%1x%2").arg(dialog->width()).arg(dialog->height())));
+        }
+    }
+
+    void picturesOfTheDialogsLieBesideTheTest_data() { names(); }
+    void picturesOfTheDialogsLieBesideTheTest()
+    {
+        const QString name = QLatin1String(QTest::currentDataTag());
+        const std::unique_ptr<QDialog> dialog = make(name, m_pcStore);
+        dialog->show();
+        for (int page = 0; page < pageNum(*dialog); ++page) {
+            openPage(*dialog, page);
+            const QString file = QStringLiteral("%1/%2-%3.png").arg(qApp->applicationDirPath(), name).arg(page);
+            QVERIFY(dialog->grab().save(file));
+        }
+    }
+
+    void tablesAndListsTakeTheRoomOfALargerDialog_data() { names(); }
+    void tablesAndListsTakeTheRoomOfALargerDialog()
+    {
+        const std::unique_ptr<QDialog> dialog = make(QLatin1String(QTest::currentDataTag()), m_pcStore);
+        dialog->show();
+        for (int page = 0; page < pageNum(*dialog); ++page) {
+            openPage(*dialog, page);
+            for (QAbstractItemView* view : dialog->findChildren<QAbstractItemView*>()) {
+                if (!view->isVisible() || view->window() != dialog.get() || qobject_cast<QHeaderView*>(view))
+                    continue;
+                const QSize before = view->size();
+                const QSize size = dialog->size();
+                dialog->resize(size + QSize(120, 100));
+                QCoreApplication::processEvents();
+                QVERIFY(view->width() > before.width());
+                QCOMPARE(view->height(), before.height() + 100);
+                dialog->resize(size);
+                QCoreApplication::processEvents();
+            }
+        }
+    }
+
+    void enterConfirmsAndEscapeCancels_data()
+    {
+        QTest::addColumn<int>("unused");
+        for (const char* name : {"memoryDiskConfig", "dataSource", "drawing"})
+            QTest::newRow(name) << 0;
+    }
+    void enterConfirmsAndEscapeCancels()
+    {
+        const std::unique_ptr<QDialog> dialog = make(QLatin1String(QTest::currentDataTag()), m_pcStore);
+        dialog->show();
+        QVERIFY(child<QPushButton>(*dialog, "btnOK")->isDefault());
+        const BoxAnswer box;
+        QTest::keyClick(dialog.get(), Qt::Key_Return);
+        QVERIFY2(box.came(), "OK refuses an untouched dialog");
+        QVERIFY(dialog->isVisible());
+        QTest::keyClick(dialog.get(), Qt::Key_Escape);
+        QVERIFY(!dialog->isVisible());
+        QCOMPARE(dialog->result(), static_cast<int>(QDialog::Rejected));
+    }
+
+    void tabKeyGoesFromTopToBottom_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("page");
+        QTest::addColumn<QStringList>("fields");
+        const auto row = [](const char* name, int page, const char* fields) {
+            QTest::newRow(QByteArray(name) + ' ' + QByteArray::number(page))
+                << QString::fromLatin1(name) << page << QString::fromLatin1(fields).split(' ');
+        };
+        row("memoryDiskConfig", 0, "qt_tabwidget_tabbar tblRGB cmbMemDisk btnOK btnCancel");
+        row("memoryDiskConfig", 1, "qt_tabwidget_tabbar tblGray8 cmbMemDisk btnOK btnCancel");
+        row("memoryDiskStatus", 0,
+            "cmbMemDisk0 cmbDataType0 btnClear0 cmbMemDisk1 cmbDataType1 btnClear1 cmbMemDisk2 cmbDataType2 btnClear2 "
+            "cmbInteval");
+        row("dataSource", 0, "lbSourceNames btnSetting edtName edtDescribe cbDataType btnOK btnCancel");
+        row("drawing", 0, "qt_tabwidget_tabbar tblRGB cbScaleModeRGB cbPosRGB btnSelectElement btnOK btnCancel");
+        row("drawing", 1,
+            "qt_tabwidget_tabbar tblGray8 cbScaleModeGray8 cbPosGray8 rbDrawModeNormalGray8 btnSelectElement btnOK "
+            "btnCancel");
+        row("drawing", 2,
+            "qt_tabwidget_tabbar tblGray16 cbScaleModeGray16 cbPosGray16 rbDrawModeNormalGray16 btnSelectElement btnOK "
+            "btnCancel");
+        row("drawing", 3, "qt_tabwidget_tabbar tblPoints cbSizePoints btnColorPoints btnSelectElement btnOK btnCancel");
+        row("drawing", 4,
+            "qt_tabwidget_tabbar tblLines cbSizeLines cbDspLengthLines btnColorLines btnSelectElement btnOK btnCancel");
+        row("drawing", 5,
+            "qt_tabwidget_tabbar tblPolys cbSizePolys cbDspAreaPolys btnColorPolys btnSelectElement btnOK btnCancel");
+        row("drawing", 6, "qt_tabwidget_tabbar tblAreas cbDspAreaAreas btnColorAreas btnSelectElement btnOK btnCancel");
+        row("drawing", 7,
+            "qt_tabwidget_tabbar tblStrings btnColorStrings edtPosX edtPosY edtFontSize btnSelectElement btnOK "
+            "btnCancel");
+    }
+    void tabKeyGoesFromTopToBottom()
+    {
+        QFETCH(QString, name);
+        QFETCH(int, page);
+        QFETCH(QStringList, fields);
+        const std::unique_ptr<QDialog> dialog = make(name, m_pcStore);
+        dialog->show();
+        QApplication::setActiveWindow(dialog.get());
+        openPage(*dialog, page);
+        QCOMPARE(tabOrder(*dialog).join(' '), fields.join(' '));
+    }
+
+private:
+    static void names()
+    {
+        QTest::addColumn<int>("unused");
+        for (const char* name : {"memoryDiskConfig", "memoryDiskStatus", "dataSource", "drawing"})
+            QTest::newRow(name) << 0;
+    }
+
+    static void fill(ArithmParam* record, const char* name, const char* describe)
+    {
+        record->setName(QString::fromUtf8(name));
+        record->setDescribe(QString::fromUtf8(describe));
+    }
+
+    /// Walks with the Tab key from the first field until it comes round.
+    static QStringList tabOrder(QDialog& dialog)
+    {
+        QWidget* first = dialog.nextInFocusChain();
+        while (first && (!(first->focusPolicy() & Qt::TabFocus) || !first->isVisible() || !first->isEnabled()))
+            first = first->nextInFocusChain();
+        first->setFocus(Qt::TabFocusReason);
+        first = QApplication::focusWidget();  // Tabs pass the focus on to their bar.
+        QStringList order;
+        do {
+            order += QApplication::focusWidget()->objectName();
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        } while (QApplication::focusWidget() != first && order.size() < 50);
+        return order;
+    }
+
+    ArithmParamMgr* m_pcStore = nullptr;
+};
+
+QTEST_MAIN(DialogLooksTest)
+#include "dialogLooksTest.moc"
