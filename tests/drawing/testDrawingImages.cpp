@@ -128,6 +128,8 @@ private Q_SLOTS:
     void init() { resetViewScales(); }
     void placement_data();
     void placement();
+    void placementOfOverlaysAndMasks_data() { placement_data(); }
+    void placementOfOverlaysAndMasks();
     void halvedPicturesTakeOneOfTheTwoMiddlePixels_data();
     void halvedPicturesTakeOneOfTheTwoMiddlePixels();
     void unknownScaleTypeOfANormalPictureOnlyClears();
@@ -222,6 +224,37 @@ void TestDrawingImages::placement()
     QCOMPARE(difference(shown, sampled(black, expected, sampling)), QString());
     QCOMPARE(entryOf(5), greyEntry);
     QCOMPARE(entryOf(0), (Entry{1, 1, 0, 0}));
+}
+
+void TestDrawingImages::placementOfOverlaysAndMasks()
+{
+    QFETCH(int, scale);
+    QFETCH(int, align);
+    QFETCH(QSize, picture);
+    QFETCH(QSize, canvas);
+    QFETCH(Sampling, sampling);
+    QFETCH(Entry, greyEntry);
+    const QImage before = pattern(canvas.width(), canvas.height());
+    for (const int mode : {1, 2}) {
+        QImage shown = before;
+        const auto option = greyOption(picture.width(), picture.height(), mode);
+        option->setScaleType(scale);
+        option->setAlignType(align);
+        option->setMaskVal(1);
+        option->setMaskColor(2);
+        option->setViewID(4);
+
+        option->draw(&shown, m_cStore.get());
+
+        const QImage expected = pictureOf(picture.width(), picture.height(), [mode](int x, int y) {
+            const int value = greyAt(x, y);
+            if (value == 0)
+                return 0U;
+            return mode == 2 ? 0xFFFF0000U : qRgb(value, value, value);
+        });
+        QCOMPARE(difference(shown, sampled(before, expected, sampling)), QString());
+        QCOMPARE(entryOf(4), greyEntry);
+    }
 }
 
 void TestDrawingImages::halvedPicturesTakeOneOfTheTwoMiddlePixels_data()

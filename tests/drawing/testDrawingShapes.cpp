@@ -71,6 +71,8 @@ private Q_SLOTS:
     void pointsOutsideTheCanvasAreLeftOut();
     void pointsWithASizeAreCrosses();
     void shapesLandThroughTheViewsEntry();
+    void everyKindOfShapeLandsThroughTheViewsEntry_data();
+    void everyKindOfShapeLandsThroughTheViewsEntry();
     void mappingCutsTowardsZero();
     void linesIncludeBothEnds();
     void wideLinesHaveSquareEnds();
@@ -167,6 +169,55 @@ void TestDrawingShapes::shapesLandThroughTheViewsEntry()
 
     QImage expected = blank();
     expected.setPixel(20, 10, 0xFFFFFFFF);
+    QCOMPARE(difference(canvas, expected), QString());
+}
+
+void TestDrawingShapes::everyKindOfShapeLandsThroughTheViewsEntry_data()
+{
+    QTest::addColumn<QByteArray>("dataType");
+    QTest::addColumn<QByteArray>("config");
+    QTest::addColumn<QImage>("expected");
+    const QByteArray orange = QByteArray::number(Orange);
+
+    QImage crosses = blank();
+    cross(crosses, 20, 10, 2, OrangePixel);  // the arm counts canvas pixels
+    QTest::newRow("crosses") << QByteArray("3") << QByteArray("<Size>2</Size><Color>" + orange + "</Color>") << crosses;
+
+    QImage lines = blank();
+    fill(lines, 9, 9, 31, 11, OrangePixel);  // so does the width
+    QTest::newRow("lines") << QByteArray("4") << QByteArray("<Size>3</Size><Color>" + orange + "</Color>") << lines;
+
+    QImage polys = blank();
+    box(polys, 20, 20, 50, 50, ExchangedOrange);
+    write(polys, 35, 35, QStringLiteral("900.00"), InvertedOrange);
+    QTest::newRow("polygons") << QByteArray("5")
+                              << QByteArray("<BorderColor>" + orange + "</BorderColor><DspArea>1</DspArea>") << polys;
+
+    QImage areas = blank();
+    box(areas, 20, 30, 70, 50, OrangePixel);
+    cross(areas, 45, 41, 3, OrangePixel);
+    write(areas, 23, 27, QStringLiteral("parts"), InvertedOrange);
+    QTest::newRow("areas") << QByteArray("6") << QByteArray("<Color>" + orange + "</Color><DspArea>1</DspArea>")
+                           << areas;
+}
+
+void TestDrawingShapes::everyKindOfShapeLandsThroughTheViewsEntry()
+{
+    QFETCH(QByteArray, dataType);
+    QFETCH(QByteArray, config);
+    QFETCH(QImage, expected);
+    m_cStore->getParamPoints(1)->append({45, 47});
+    m_cStore->getParamLines(1)->append({25, 47, 65, 47});
+    m_cStore->getParamPolys(1)->append({{45, 87}, {105, 87}, {105, 207}, {45, 207}});
+    m_cStore->getParamAreas(1)->append({0, 127, 207, 45, 145, 95, 171});  // top, bottom, left, right, centre
+    m_cStore->getParamAreas(1)->setName(QStringLiteral("parts"));
+    Drawing::s_acVSO[3] = {2.0F, 4.0F, 5, 7};
+    const Option shapes = option(dataType, config);
+    shapes->setViewID(3);
+    QImage canvas = blank();
+
+    shapes->draw(&canvas, m_cStore.get());
+
     QCOMPARE(difference(canvas, expected), QString());
 }
 
