@@ -15,10 +15,14 @@ class Pacer
 public:
     using Clock = std::chrono::steady_clock;
 
+    static constexpr double MinRate = 0.01;  ///< Pictures a second; the finest that the dialogs show.
     static constexpr double MaxRate = 1000.0;
     static constexpr std::chrono::milliseconds LongestWait{200};  ///< Of one request: a task notices its stop after it.
 
-    /// @param rate pictures a second; 0: a picture is always due
+    /// A rate as it can be kept: one below MinRate is raised to it and never becomes 0, which means no limit.
+    static double possibleRate(double rate) { return rate > 0 ? std::clamp(rate, MinRate, MaxRate) : 0; }
+
+    /// @param rate pictures a second, a possible one; 0: a picture is always due
     void start(double rate)
     {
         m_cPeriod = rate > 0 ? std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1.0 / rate))

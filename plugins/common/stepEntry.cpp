@@ -22,11 +22,11 @@ void useCallingThreadOnly()
     Q_UNUSED(s_bDone)
 }
 
-QString runGuarded(const QString& option, ArithmParamMgr& store, StepEntry::Run run)
+QString runReporting(const char* option, ArithmParamMgr& store, StepEntry::Run run)
 {
     try {
         useCallingThreadOnly();
-        return run(option, store);
+        return run(StepEntry::optionText(option), store);
     } catch (const cv::Exception& problem) {
         return Messages::failed(QString::fromStdString(problem.err));
     } catch (const std::exception& problem) {
@@ -45,5 +45,5 @@ QString StepEntry::optionText(const char* option)
 
 char* StepEntry::execute(char* option, ArithmParamMgr* store, Run run)
 {
-    return keepText(store ? runGuarded(optionText(option), *store, run) : Messages::noStore());
+    return guarded([&] { return keepText(store ? runReporting(option, *store, run) : Messages::noStore()); });
 }

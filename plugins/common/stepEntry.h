@@ -1,5 +1,6 @@
 #pragma once
 
+#include "guarded.h"
 #include "resultBuffer.h"
 
 #include <QDialog>
@@ -17,14 +18,16 @@ char* execute(char* option, ArithmParamMgr* store, Run run);
 /// The option text as a text; empty for null.
 QString optionText(const char* option);
 
-/// Shows a step's dialog on its option text; the new text, empty when cancelled.
+/// Shows a step's dialog on its option text; the new text, empty when cancelled, null when something was thrown.
 template <typename Dialog>
 char* showDialog(char* option, ArithmParamMgr* store)
 {
-    if (!store)
-        return keepText(QString());
-    Dialog dialog(optionText(option), *store);
-    return keepText(dialog.exec() == QDialog::Accepted ? dialog.acceptedOption() : QString());
+    return guarded([&] {
+        if (!store)
+            return keepText(QString());
+        Dialog dialog(optionText(option), *store);
+        return keepText(dialog.exec() == QDialog::Accepted ? dialog.acceptedOption() : QString());
+    });
 }
 
 }  // namespace StepEntry

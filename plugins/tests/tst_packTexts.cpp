@@ -5,6 +5,7 @@
 #include "findLinesOption.h"
 #include "folderOption.h"
 #include "resultBuffer.h"
+#include "sourceEntry.h"
 #include "stepEntry.h"
 #include "taggedText.h"
 #include "testPatternOption.h"
@@ -17,6 +18,7 @@
 
 #include <opencv2/core.hpp>
 
+#include <new>
 #include <stdexcept>
 #include <thread>
 
@@ -39,6 +41,10 @@ private slots:
     void everyThreadHasAResultBufferOfItsOwn();
     void exceptionBecomesResultText_data();
     void exceptionBecomesResultText();
+    void nothingThatASourceThrowsLeavesItsEntryPoints();
+    void nothingThatADialogThrowsLeavesItsEntryPoint();
+    void rateStaysPossible_data();
+    void rateStaysPossible();
 };
 
 void TestPackTexts::numberOutsideItsRangeIsMovedInside_data()
@@ -204,6 +210,81 @@ void TestPackTexts::exceptionBecomesResultText()
     const StorePtr store = newStore();
     QByteArray option = QByteArray::number(kind);
     QCOMPARE(QString::fromUtf8(StepEntry::execute(option.data(), store.get(), &throwKind)), expected);
+}
+
+namespace {
+
+/// Throws wherever it is called.
+struct ThrowingPlayer
+{
+    void setConfig(const QString&) { throw std::bad_alloc(); }
+    void start() { throw std::runtime_error("start"); }
+    void stop() { throw 1; }
+    unsigned char* request(bool, int&, int&) { throw std::bad_alloc(); }
+    void release() { throw 2; }
+    QString lastError() const { throw std::bad_alloc(); }
+};
+
+struct ThrowingDialog
+{
+    explicit ThrowingDialog(const QString&) { throw std::bad_alloc(); }
+    ThrowingDialog(const QString&, ArithmParamMgr&) { throw std::bad_alloc(); }
+    int exec() { return 1; }
+    QString configText() const { return QString(); }
+    QString acceptedOption() { return QString(); }
+};
+
+}  // namespace
+
+void TestPackTexts::nothingThatASourceThrowsLeavesItsEntryPoints()
+{
+    using Entry = SourceEntry<ThrowingPlayer, ThrowingDialog>;
+    int width = 5;
+    int height = 5;
+
+    Entry::setConfig(1, "text");
+    Entry::start(1);
+    QVERIFY(!Entry::requestPicture(1, "RGB", &width, &height));
+    Entry::releasePicture(1);
+    Entry::stop(1);
+    QVERIFY(!Entry::getLastError(1));
+    QVERIFY(!Entry::showConfigDlg("text"));
+    Entry::removeInstance(1);
+
+    QCOMPARE(QSize(width, height), QSize(0, 0));
+}
+
+void TestPackTexts::nothingThatADialogThrowsLeavesItsEntryPoint()
+{
+    const StorePtr store = newStore();
+    char option[] = "text";
+
+    QVERIFY(!StepEntry::showDialog<ThrowingDialog>(option, store.get()));
+}
+
+void TestPackTexts::rateStaysPossible_data()
+{
+    QTest::addColumn<QString>("rate");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("usual") << "12.5" << 12.5;
+    QTest::newRow("no limit") << "0" << 0.0;
+    QTest::newRow("negative is no limit") << "-3" << 0.0;
+    QTest::newRow("slowest") << "0.01" << 0.01;
+    QTest::newRow("slower than slowest") << "0.004" << 0.01;
+    QTest::newRow("next to nothing") << "1e-300" << 0.01;
+    QTest::newRow("too fast") << "1e9" << 1000.0;
+    QTest::newRow("infinite") << "inf" << 10.0;
+    QTest::newRow("not a number") << "nan" << 10.0;
+    QTest::newRow("a word") << "fast" << 10.0;
+}
+
+void TestPackTexts::rateStaysPossible()
+{
+    QFETCH(QString, rate);
+    const QString text = QStringLiteral("<Rate>%1</Rate>").arg(rate);
+
+    QTEST(FolderOption::read(text).rate, "expected");
+    QTEST(TestPatternOption::read(text).rate, "expected");
 }
 
 QTEST_GUILESS_MAIN(TestPackTexts)

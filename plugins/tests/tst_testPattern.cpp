@@ -2,7 +2,11 @@
 #include "testPatternTruth.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 #include <QtTest>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <thread>
 
@@ -24,6 +28,8 @@ private slots:
     void shapesMoveToAndFro();
     void requestBeforeStartWaitsAndGivesNothing();
     void rateIsKept();
+    void slowestRateIsNotNoLimit();
+    void pictureWithoutMemoryIsReportedAfterAWait();
     void stopWakesAWaitingRequest();
     void configurationMayChangeBetweenPictures();
     void unknownTypeGivesNothing();
@@ -225,6 +231,43 @@ void TestTestPattern::rateIsKept()
     source.setConfig(QStringLiteral("<Width>8</Width><Height>8</Height><Rate>0.01</Rate>"));
     QVERIFY(!source.waitFor("RGB").isNull());
     QVERIFY(source.request("RGB").isNull());
+}
+
+void TestTestPattern::slowestRateIsNotNoLimit()
+{
+    for (const char* rate : {"0.004", "1e-10", "1e-300"}) {
+        SourceInstance source(m_cLibrary,
+                              QStringLiteral("<Width>8</Width><Height>8</Height><Rate>%1</Rate>").arg(rate));
+        source.start();
+        QVERIFY(!source.waitFor("RGB").isNull());
+        QVERIFY(source.request("RGB").isNull());
+    }
+}
+
+void TestTestPattern::pictureWithoutMemoryIsReportedAfterAWait()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("Sanitizers need address space of their own");
+#endif
+    SourceInstance source(m_cLibrary, sized(16384, 16384));  // 805 MB
+    source.start();
+    QFile usage(QStringLiteral("/proc/self/statm"));
+    QVERIFY(usage.open(QIODevice::ReadOnly));
+    const rlim_t used = usage.readAll().split(' ').first().toULongLong() * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+    rlimit usual{};
+    QCOMPARE(getrlimit(RLIMIT_AS, &usual), 0);
+    const rlimit tight{used + (rlim_t{256} << 20), usual.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_AS, &tight), 0);
+    QElapsedTimer timer;
+    timer.start();
+
+    const Picture picture = source.request("RGB");
+
+    const qint64 elapsed = timer.elapsed();
+    QCOMPARE(setrlimit(RLIMIT_AS, &usual), 0);
+    QVERIFY(picture.isNull());
+    QVERIFY(elapsed >= 190);
+    QCOMPARE(source.lastError(), QStringLiteral("内存不足: 16384 x 16384"));
 }
 
 void TestTestPattern::stopWakesAWaitingRequest()

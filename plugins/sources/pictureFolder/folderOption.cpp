@@ -9,7 +9,7 @@ FolderOption FolderOption::read(const QString& text)
     FolderOption option;
     option.folder = reader.text(QStringLiteral("Folder")).trimmed();
     option.loop = reader.flag(QStringLiteral("Loop"), option.loop);
-    option.rate = reader.real(QStringLiteral("Rate"), option.rate, 0, Pacer::MaxRate);
+    option.rate = Pacer::possibleRate(reader.real(QStringLiteral("Rate"), option.rate, 0, Pacer::MaxRate));
     return option;
 }
 

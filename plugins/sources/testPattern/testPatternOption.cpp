@@ -13,7 +13,7 @@ TestPatternOption TestPatternOption::read(const QString& text)
     scene.discs = reader.number(QStringLiteral("Discs"), scene.discs, 0, MostShapes);
     scene.bars = reader.number(QStringLiteral("Bars"), scene.bars, 0, MostShapes);
     scene.text = reader.flag(QStringLiteral("Text"), scene.text);
-    option.rate = reader.real(QStringLiteral("Rate"), option.rate, 0, Pacer::MaxRate);
+    option.rate = Pacer::possibleRate(reader.real(QStringLiteral("Rate"), option.rate, 0, Pacer::MaxRate));
     return option;
 }
 

@@ -39,8 +39,7 @@ unsigned char* TestPatternPlayer::request(bool gray, int& width, int& height)
     const std::int64_t bytes = gray ? PictureLayout::gray8Bytes(scene.width, scene.height)
                                     : PictureLayout::colourBytes(scene.width, scene.height);
     if (!m_cBuffer.resize(bytes)) {
-        const std::lock_guard<std::mutex> lock(m_cMutex);
-        m_strError = QStringLiteral("内存不足: %1 x %2").arg(scene.width).arg(scene.height);
+        reportNoMemory(scene);
         return nullptr;
     }
     TestPattern::paint(scene, number, gray, m_cBuffer.data());
@@ -60,6 +59,14 @@ bool TestPatternPlayer::takeDue(TestPattern::Scene& scene, std::uint32_t& number
     number = m_nNumber++;
     m_cPacer.delivered();
     return true;
+}
+
+/// Waits, too: a task asks again at once.
+void TestPatternPlayer::reportNoMemory(const TestPattern::Scene& scene)
+{
+    std::unique_lock<std::mutex> lock(m_cMutex);
+    m_strError = QStringLiteral("内存不足: %1 x %2").arg(scene.width).arg(scene.height);
+    m_cWake.wait_for(lock, Pacer::LongestWait, [this] { return !m_bRunning; });
 }
 
 QString TestPatternPlayer::lastError() const

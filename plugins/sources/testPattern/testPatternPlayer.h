@@ -28,6 +28,7 @@ public:
 
 private:
     bool takeDue(TestPattern::Scene& scene, std::uint32_t& number);
+    void reportNoMemory(const TestPattern::Scene& scene);
 
     mutable std::mutex m_cMutex;  ///< Guards everything below but the buffer.
     std::condition_variable m_cWake;

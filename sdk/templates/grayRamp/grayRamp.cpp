@@ -6,11 +6,13 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -76,17 +78,30 @@ bool waitForPicture(Instance& instance)
     return true;
 }
 
-void drawRamp(Instance& instance, bool colour)
+/// False when there is no memory. Nothing that is thrown may leave a plug-in.
+bool makeRoom(Instance& instance, std::int64_t bytes)
+{
+    try {
+        instance.pixels.resize(static_cast<std::size_t>(bytes));
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return true;
+}
+
+bool drawRamp(Instance& instance, bool colour)
 {
     const std::int64_t stride = colour ? PictureLayout::colourStride(instance.width) : instance.width;
     const int samples = colour ? 3 : 1;
-    instance.pixels.resize(static_cast<std::size_t>(stride) * static_cast<std::size_t>(instance.height));
+    if (!makeRoom(instance, stride * instance.height))
+        return false;
     unsigned char* row = instance.pixels.data();
     for (int y = 0; y < instance.height; ++y, row += stride) {
         for (int x = 0; x < instance.width; ++x)
             std::memset(row + x * samples, (x + instance.shift) & 255, static_cast<std::size_t>(samples));
     }
     instance.shift = (instance.shift + 1) & 255;
+    return true;
 }
 
 }  // namespace
@@ -114,7 +129,10 @@ unsigned char* requestPicture(int instance, const char* type, int* width, int* h
     }
     if (!waitForPicture(*source))
         return nullptr;
-    drawRamp(*source, colour);
+    if (!drawRamp(*source, colour)) {
+        source->error = "内存不足.";
+        return nullptr;
+    }
     *width = source->width;
     *height = source->height;
     return source->pixels.data();
