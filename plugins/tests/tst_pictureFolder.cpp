@@ -7,6 +7,10 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <pthread.h>
+
+#include <ctime>
+#include <limits>
 #include <thread>
 
 /// The data source "Picture Folder" through its C interface, on files that the tests write.
@@ -29,6 +33,9 @@ private slots:
     void onceEndsAfterTheLastPicture();
     void startAfterStopBeginsWithTheFirstPicture();
     void typeMayChangeWhilePlaying();
+    void decodesAheadButNotBeyondItsQueue();
+    void threadThatCannotStartIsReportedAndTriedAgain();
+    void slowestRateIsNotNoLimit();
     void rateIsKept();
     void missingFolderIsReportedAndLookedForAgain();
     void noFolderChosenIsReported();
@@ -99,18 +106,22 @@ void TestPictureFolder::isCalledPictureFolder()
 void TestPictureFolder::deliversEveryFormat_data()
 {
     QTest::addColumn<QString>("name");
+    QTest::addColumn<QSize>("size");
     for (const char* name : {"a.png", "a.PNG", "a.bmp", "a.Bmp", "a.jpg", "a.jpeg", "a.JPG", "a.tif", "a.tiff"})
-        QTest::newRow(name) << name;
+        QTest::newRow(name) << name << QSize(17, 9);
+    for (const char* name : {"b.png", "b.bmp", "b.jpg", "b.tif"})  // of many reads
+        QTest::addRow("%s, large", name) << name << QSize(1501, 1003);
 }
 
 void TestPictureFolder::deliversEveryFormat()
 {
     QFETCH(QString, name);
-    write(name, QColor(200, 100, 50), QSize(17, 9));
+    QFETCH(QSize, size);
+    write(name, QColor(200, 100, 50), size);
     SourceInstance source(m_cLibrary, config());
     source.start();
     const Picture picture = source.waitFor("RGB");
-    QCOMPARE(QSize(picture.width, picture.height), QSize(17, 9));
+    QCOMPARE(QSize(picture.width, picture.height), size);
     const int tolerance = name.contains(".jp", Qt::CaseInsensitive) ? 4 : 0;
     QVERIFY(qAbs(picture.byteAt(0) - 50) <= tolerance);
     QVERIFY(qAbs(picture.byteAt(1) - 100) <= tolerance);
@@ -236,6 +247,68 @@ void TestPictureFolder::typeMayChangeWhilePlaying()
     }
 }
 
+void TestPictureFolder::decodesAheadButNotBeyondItsQueue()
+{
+    constexpr int fileNum = 20;
+    constexpr int mostDecoded = 5;  // the one handed out, three that wait, one that is ready for the queue
+    int delivered = 0;
+    // How long the thread takes to decode ahead is unknown: it is given more time until it has.
+    for (int patienceMs = 100; delivered < 4 && patienceMs < 60000; patienceMs *= 4) {
+        for (int i = 1; i <= fileNum; ++i)
+            write(QStringLiteral("%1.png").arg(i), QColor(i, 0, 0));
+        SourceInstance source(m_cLibrary, config(0, false));
+        source.start();
+        QCOMPARE(nextReds(source, 1), (QVector<int>{1}));
+        QThread::msleep(static_cast<unsigned long>(patienceMs));
+        for (int i = 1; i <= fileNum; ++i)
+            QVERIFY(QFile::remove(m_pcDir->filePath(QStringLiteral("%1.png").arg(i))));
+        delivered = 1;
+        for (Picture picture = source.request("RGB"); !picture.isNull(); picture = source.request("RGB"))
+            QCOMPARE(picture.byteAt(2), ++delivered);
+        QVERIFY2(delivered <= mostDecoded, qPrintable(QString::number(delivered)));
+    }
+    QVERIFY2(delivered >= 4, qPrintable(QString::number(delivered)));
+}
+
+void TestPictureFolder::threadThatCannotStartIsReportedAndTriedAgain()
+{
+    write("1.png", QColor(7, 0, 0));
+    SourceInstance source(m_cLibrary, config());
+    // No thread has room for such a stack.
+    pthread_attr_t usual;
+    pthread_attr_t greedy;
+    QCOMPARE(pthread_getattr_default_np(&usual), 0);
+    QCOMPARE(pthread_getattr_default_np(&greedy), 0);
+    QCOMPARE(pthread_attr_setstacksize(&greedy, std::numeric_limits<std::size_t>::max() / 2 / 65536 * 65536), 0);
+    QCOMPARE(pthread_setattr_default_np(&greedy), 0);
+
+    source.start();
+
+    QCOMPARE(pthread_setattr_default_np(&usual), 0);
+    pthread_attr_destroy(&greedy);
+    pthread_attr_destroy(&usual);
+    QCOMPARE(source.lastError(), QStringLiteral("无法启动读取图片的线程."));
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(source.request("RGB").isNull());
+    QVERIFY(timer.elapsed() >= 190);
+    source.stop();
+    source.start();
+    QCOMPARE(nextReds(source, 1), (QVector<int>{7}));
+    QCOMPARE(source.lastError(), QString());
+}
+
+void TestPictureFolder::slowestRateIsNotNoLimit()
+{
+    write("1.png", QColor(1, 0, 0));
+    for (const double rate : {0.004, 1e-10, 1e-300}) {
+        SourceInstance source(m_cLibrary, config(rate));
+        source.start();
+        QVERIFY(!source.waitFor().isNull());
+        QVERIFY(source.request("RGB").isNull());
+    }
+}
+
 void TestPictureFolder::rateIsKept()
 {
     write("1.png", QColor(1, 0, 0));
@@ -296,6 +369,10 @@ void TestPictureFolder::unreadableFilesAreReportedAndSkipped_data()
         QTest::addRow("%s, garbage", name) << name << -1;
     }
     QTest::newRow("2.png, cut in its pixels") << "2.png" << 60;
+    // What Qt decodes without an error: the missing rows would be black, the missing blocks grey.
+    QTest::newRow("2.bmp, cut in its pixels") << "2.bmp" << 6000;
+    QTest::newRow("2.bmp, cut by one byte") << "2.bmp" << 64 * 64 * 3 + 54 - 1;
+    QTest::newRow("2.jpg, cut in its pixels") << "2.jpg" << 640;
 }
 
 void TestPictureFolder::unreadableFilesAreReportedAndSkipped()

@@ -21,6 +21,14 @@ inline QString unreadable(const QString& name)
 {
     return QStringLiteral("无法读取图片: %1").arg(name);
 }
+inline QString noThread()
+{
+    return QStringLiteral("无法启动读取图片的线程.");
+}
+inline QString noMemory()
+{
+    return QStringLiteral("内存不足.");
+}
 inline QString tooLarge(const QString& name)
 {
     return QStringLiteral("图片太大: %1").arg(name);

@@ -1,8 +1,12 @@
 #include "folderPlayer.h"
 
+#include "folderMessages.h"
 #include "pictureFiles.h"
 
 #include <paramStore/pictureLayout.h>
+
+#include <exception>
+#include <system_error>
 
 namespace {
 constexpr std::chrono::milliseconds LookAgainAfter{300};  ///< For a folder that is missing, empty or unreadable.
@@ -55,7 +59,11 @@ void FolderPlayer::startLocked()
         m_strError.clear();
         m_cPacer.start(m_cOption.rate);
     }
-    m_cThread = std::thread([this, option = m_cOption] { play(option); });
+    try {
+        m_cThread = std::thread([this, option = m_cOption] { playReporting(option); });
+    } catch (const std::system_error&) {
+        report(FolderMessages::noThread());
+    }
 }
 
 void FolderPlayer::stopLocked()
@@ -78,8 +86,12 @@ unsigned char* FolderPlayer::request(bool gray, int& width, int& height)
 {
     m_bWantGray = gray;
     FramePtr frame = takeDue();
-    if (!frame || (gray && !frame->hasGray && !frame->makeGray()))
+    if (!frame)
         return nullptr;
+    if (gray && !frame->hasGray && !frame->makeGray()) {
+        report(FolderMessages::noMemory());
+        return nullptr;
+    }
     width = frame->width;
     height = frame->height;
     unsigned char* pixels = gray ? frame->gray.data() : frame->colour.data();
@@ -116,7 +128,16 @@ QString FolderPlayer::lastError() const
     return m_strError;
 }
 
-/// The body of the thread.
+/// The body of the thread; nothing may leave it.
+void FolderPlayer::playReporting(const FolderOption& option)
+{
+    try {
+        play(option);
+    } catch (const std::exception&) {  // there is nothing else to run out of
+        report(FolderMessages::noMemory());
+    }
+}
+
 void FolderPlayer::play(const FolderOption& option)
 {
     PictureDecoder decoder;

@@ -48,6 +48,7 @@ private:
 
     void startLocked();
     void stopLocked();
+    void playReporting(const FolderOption& option);
     void play(const FolderOption& option);
     bool playFiles(const QStringList& files, PictureDecoder& decoder);
     bool enqueue(FramePtr frame);

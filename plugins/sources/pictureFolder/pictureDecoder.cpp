@@ -8,23 +8,50 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QtEndian>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 
-/// A file whose reading fails once the source is stopped, so that stopping never waits for a large picture.
+/**
+ * A file whose reading fails once the source is stopped, so that stopping never waits for a large picture.
+ * Open it unbuffered: a buffer reads ahead of what is asked for.
+ */
 class StoppableFile : public QFile
 {
 public:
     StoppableFile(const QString& path, const std::atomic<bool>& stop) : QFile(path), m_bStop(stop) {}
 
+    bool isReadPastItsEnd() const { return m_bPastEnd; }  ///< Whether more was asked for after the last byte.
+
 protected:
-    qint64 readData(char* data, qint64 length) override { return m_bStop ? -1 : QFile::readData(data, length); }
+    qint64 readData(char* data, qint64 length) override
+    {
+        const qint64 got = m_bStop ? -1 : QFile::readData(data, length);
+        m_bPastEnd = m_bPastEnd || (length > 0 && got < 1);
+        return got;
+    }
 
 private:
     const std::atomic<bool>& m_bStop;
+    bool m_bPastEnd = false;
 };
+
+/// Whether a bitmap without compression is shorter than its header says: Qt gives the rows that are there.
+bool isCutBitmap(QFile& file)
+{
+    constexpr int headerBytes = 34;  // of the file and, up to the compression, of the picture
+    const QByteArray header = file.peek(headerBytes);
+    if (header.size() < headerBytes || !header.startsWith("BM"))
+        return false;
+    const auto number = [&header](int place) { return qFromLittleEndian<qint32>(header.constData() + place); };
+    const bool isPlain = number(14) >= 40 && (number(30) == 0 || number(30) == 3);
+    const qint64 bits = qFromLittleEndian<quint16>(header.constData() + 28);
+    const qint64 stride = (number(18) * bits + 31) / 32 * 4;
+    return isPlain && file.size() < quint32(number(10)) + stride * std::abs(qint64{number(22)});
+}
 
 void copyGrayRow(const QImage& image, int y, unsigned char* target)
 {
@@ -86,15 +113,20 @@ QString PictureDecoder::decode(const QString& path, Frame& frame, const std::ato
 {
     const QString name = QFileInfo(path).fileName();
     StoppableFile file(path, stop);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return FolderMessages::unreadable(name);
+    const bool cut = isCutBitmap(file);
     QImageReader reader(&file);
     const QSize size = reader.size();
     if (size.width() < 1 || size.height() < 1)
         return FolderMessages::unreadable(name);
     if (qint64(size.width()) * size.height() > MostPixels)
         return FolderMessages::tooLarge(name);
-    if (!reader.read(&m_cImage) || m_cImage.isNull())
+    const bool jpeg = reader.format() == "jpeg";
+    if (cut || !reader.read(&m_cImage) || m_cImage.isNull())
+        return FolderMessages::unreadable(name);
+    // A JPEG may end before its picture does: the decoder fills what is missing with grey.
+    if (jpeg && file.isReadPastItsEnd())
         return FolderMessages::unreadable(name);
     const bool direct = hasColourRows(m_cImage) || m_cImage.format() == QImage::Format_Grayscale8;
     const QImage image = direct ? m_cImage : m_cImage.convertToFormat(QImage::Format_RGB32);
