@@ -22,6 +22,11 @@ private slots:
     void missingInputMakesNoRecord();
     void outputCarriesTheNameOfTheOption();
 
+    void tinyPicturesAndAnyNumbersAreTaken_data();
+    void tinyPicturesAndAnyNumbersAreTaken();
+    void inputMayBeTheOutput_data();
+    void inputMayBeTheOutput();
+
     void grayHasTheWeightsOfTheEye();
     void boxBlurAveragesItsWindow();
     void blurKeepsTheKindOfItsInput();
@@ -196,6 +201,76 @@ void TestPackSteps::outputCarriesTheNameOfTheOption()
     addGray(store.get(), 4, 4);
     QCOMPARE(AlgorithmLibrary("threshold").execute(Gray + Output, store.get()), QString());
     QCOMPARE(store->findParamGray8(2)->getName(), QStringLiteral("out"));
+}
+
+void TestPackSteps::tinyPicturesAndAnyNumbersAreTaken_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QSize>("size");
+    for (const QString& name : allNames()) {
+        for (const QSize& size : {QSize(1, 1), QSize(1, 2), QSize(9, 1), QSize(2, 2), QSize(1, 3000), QSize(3000, 1)})
+            QTest::addRow("%s, %d x %d", qPrintable(name), size.width(), size.height()) << name << size;
+    }
+}
+
+void TestPackSteps::tinyPicturesAndAnyNumbersAreTaken()
+{
+    QFETCH(QString, name);
+    QFETCH(QSize, size);
+    const AlgorithmLibrary library(name);
+    const QStringList tags{"Size",      "Value",     "BlockSize", "Offset",    "Invert",     "MinSize",  "MaxSize",
+                           "WhenNone",  "SkipSteps", "MinPoints", "Tolerance", "LowEdge",    "HighEdge", "Votes",
+                           "MinLength", "MaxGap",    "MaxCount",  "Quality",   "MinDistance"};
+    for (const char* value : {"", "0", "1", "-1", "2147483647", "-2147483648", "99999999999", "x", "<"}) {
+        for (int method = 0; method < 3; ++method) {
+            const StorePtr store = newStore();
+            ParamGray8* gray = addGray(store.get(), size.width(), size.height());
+            for (int i = 0; i < size.width() * size.height(); ++i)
+                gray->getGray8()[i] = static_cast<unsigned char>(i * 97 % 251);
+            store->getParamDIB(1)->resize(size.width(), size.height());
+            std::fill_n(store->getParamDIB(1)->getDIB(), (size.width() * 3 + 3) / 4 * 4 * size.height(),
+                        static_cast<unsigned char>(200));
+            QString option = name == QLatin1String("toGray") ? Colour : Gray;
+            for (const char* output : {"Output", "Areas", "Count", "Polys", "Lines", "Points"})
+                option += QStringLiteral("<%1ID>2</%1ID>").arg(QLatin1String(output));
+            option += QStringLiteral("<Method>%1</Method>").arg(method);
+            for (const QString& tag : tags)
+                option += QStringLiteral("<%1>%2</%1>").arg(tag, QLatin1String(value));
+
+            const QString result = library.execute(option, store.get());
+
+            QVERIFY2(result.isEmpty() || result.startsWith("<CMD>"), qPrintable(result + " for " + value));
+        }
+    }
+}
+
+void TestPackSteps::inputMayBeTheOutput_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("method");
+    for (int method = 0; method < 3; ++method) {
+        QTest::addRow("blur, %d", method) << "blur" << method;
+        QTest::addRow("threshold, %d", method) << "threshold" << method;
+    }
+}
+
+void TestPackSteps::inputMayBeTheOutput()
+{
+    QFETCH(QString, name);
+    QFETCH(int, method);
+    const AlgorithmLibrary library(name);
+    const auto run = [&](int output) {
+        const StorePtr store = newStore();
+        ParamGray8* input = addGray(store.get(), 41, 31);
+        for (int i = 0; i < 41 * 31; ++i)
+            input->getGray8()[i] = static_cast<unsigned char>((i * 97 + i / 7) % 251);
+        const QString option =
+            Gray + QStringLiteral("<OutputID>%1</OutputID><Method>%2</Method>").arg(output).arg(method);
+        const QString error = library.execute(option, store.get());
+        return error.toUtf8() + QByteArray(reinterpret_cast<char*>(store->getParamGray8(output)->getGray8()), 41 * 31);
+    };
+
+    QCOMPARE(run(1), run(2));
 }
 
 void TestPackSteps::grayHasTheWeightsOfTheEye()
