@@ -9,11 +9,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <numeric>
 #include <vector>
 
 namespace {
 
-constexpr int Seconds = 5;
+constexpr int WarmUpMs = 1000;  // starting threads and first allocations are not what is asked about
+constexpr int MeasuredMs = 5000;
 
 void addTasks()
 {
@@ -31,9 +33,19 @@ void addTasks()
     }
 }
 
-double percentile(const std::vector<double>& sorted, double share)
+/**
+ * The absence that a user meets who acts at a random moment: that share of the time lies in absences no longer.
+ * Counting absences instead would let the many idle turns of the loop hide the few long ones.
+ */
+double percentileOfTime(const std::vector<double>& sorted, double share)
 {
-    return sorted[std::min(sorted.size() - 1, static_cast<std::size_t>(share * static_cast<double>(sorted.size())))];
+    double left = share * std::accumulate(sorted.begin(), sorted.end(), 0.0);
+    for (const double gap : sorted) {
+        left -= gap;
+        if (left <= 0)
+            return gap;
+    }
+    return sorted.back();
 }
 
 }  // namespace
@@ -55,8 +67,8 @@ int main(int argc, char* argv[])
         sinceLast.start();
     });
     window.findChild<QPushButton*>(QStringLiteral("btnStartAll"))->click();
-    tick.start(0);
-    QTimer::singleShot(Seconds * 1000, &application, &QApplication::quit);
+    QTimer::singleShot(WarmUpMs, &tick, [&tick] { tick.start(0); });
+    QTimer::singleShot(WarmUpMs + MeasuredMs, &application, &QApplication::quit);
     QApplication::exec();
     tick.stop();
     long long passes = 0;
@@ -69,7 +81,7 @@ int main(int argc, char* argv[])
         return 1;
     }
     std::sort(gaps.begin(), gaps.end());
-    std::printf("passes %lld\nmedian_ms %.2f\np99_ms %.2f\nlongest_ms %.2f\n", passes, percentile(gaps, 0.5),
-                percentile(gaps, 0.99), gaps.back());
+    std::printf("passes %lld\nmedian_ms %.2f\np99_ms %.2f\nlongest_ms %.2f\n", passes, percentileOfTime(gaps, 0.5),
+                percentileOfTime(gaps, 0.99), gaps.back());
     return 0;
 }
