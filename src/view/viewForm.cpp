@@ -6,6 +6,7 @@
 #include "globalFunction.h"
 #include "threadGuards.h"
 #include "ui_viewForm.h"
+#include "view/paintTurns.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -83,7 +84,7 @@ void ViewForm::releaseCanvas()
 void ViewForm::timeout()
 {
     if (hasWaitingOption())
-        update();
+        PaintTurns::ask(this);
 }
 
 bool ViewForm::hasWaitingOption() const
@@ -98,7 +99,7 @@ bool ViewForm::hasWaitingOption() const
 void ViewForm::paintEvent(QPaintEvent* /*event*/)
 {
     if (drawNextOption())
-        update();
+        PaintTurns::ask(this);
     QPainter painter(this);
     paintCanvas(painter);
     paintDragRectangle(painter);
