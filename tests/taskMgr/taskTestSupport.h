@@ -197,7 +197,7 @@ bool waitWithoutEvents(Condition condition)
     return condition();
 }
 
-/// The widgets of a task's tab, wired to it.
+/// The widgets of a task's tab, wired to it. As in the window, cells of the table are selected one by one.
 struct Tab
 {
     explicit Tab(TaskInfo& task)
@@ -207,8 +207,6 @@ struct Tab
         for (const char* thread : {"自动线程", "绑定线程0", "绑定线程1"})
             m_cThreads.addItem(QString::fromUtf8(thread));
         m_pcTable = new QTableWidget(0, 3, &m_cPage);
-        m_pcTable->setSelectionBehavior(QAbstractItemView::SelectRows);
-        m_pcTable->setSelectionMode(QAbstractItemView::SingleSelection);
         m_pcTable->resize(400, 300);
         for (const TaskItem& item : task.getTaskItem())
             TaskInfo::appendRow(m_pcTable, item);

@@ -20,6 +20,17 @@ void press(Tab& tab, int row, int column)
     QTest::mouseClick(tab.m_pcTable->viewport(), Qt::LeftButton, Qt::NoModifier, cell.center());
 }
 
+constexpr int EndlessStepMs = 500;
+
+/// A step that sends the pass back to itself for ever.
+TaskItem endlessStep()
+{
+    TaskItem item = step("");
+    item.m_strArithmID = QStringLiteral("Test.Slow");
+    item.m_strOption = QString::number(EndlessStepMs) + QStringLiteral(";<CMD>skip:0</CMD>");
+    return item;
+}
+
 }  // namespace
 
 class tstFlowTable : public QObject
@@ -36,7 +47,9 @@ private Q_SLOTS:
     void editedCountIsKept();
     void editsOfOtherCellsAreIgnored();
     void typedTextReachesTheStep();
+    void pressingTheSameCellTwiceClearsTheSelection_data();
     void pressingTheSameCellTwiceClearsTheSelection();
+    void stepIsAppendedAgainAfterTheSelectionIsCleared();
     void pressingAnotherCellMovesTheMemory();
     void removedRowIsForgotten();
     void runHereRunsUpToTheSelectedStep();
@@ -45,6 +58,7 @@ private Q_SLOTS:
     void runHereShowsNoEmptyMessage();
     void runHereResetsTheCounters();
     void runHereTimesOutAfterTenSeconds();
+    void preparingRunTimesOutAfterTenSecondsAndTheWindowOpens();
 };
 
 void tstFlowTable::initTestCase()
@@ -136,17 +150,46 @@ void tstFlowTable::typedTextReachesTheStep()
     QTRY_COMPARE(task->getTaskItem().first().m_nMaxExeTimes, 12);
 }
 
+void tstFlowTable::pressingTheSameCellTwiceClearsTheSelection_data()
+{
+    QTest::addColumn<int>("column");
+
+    QTest::newRow("name") << 0;
+    QTest::newRow("count") << 1;
+    QTest::newRow("time") << 2;
+}
+
 void tstFlowTable::pressingTheSameCellTwiceClearsTheSelection()
 {
+    QFETCH(int, column);
     auto task = makeTask(steps("abc"));
     Tab tab(*task);
+    const QTableWidgetItem* cell = tab.m_pcTable->item(1, column);
 
-    press(tab, 1, 0);
-    QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
-    press(tab, 1, 0);
+    press(tab, 1, column);
+    QVERIFY(cell->isSelected());
+    press(tab, 1, column);
     QVERIFY(tab.m_pcTable->selectedItems().isEmpty());
-    press(tab, 1, 0);
-    QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
+    press(tab, 1, column);
+    QVERIFY(cell->isSelected());
+}
+
+void tstFlowTable::stepIsAppendedAgainAfterTheSelectionIsCleared()
+{
+    auto task = makeTask(steps("ab"));
+    Tab tab(*task);
+    const QMenu* plain = subMenu(openedMenu(tab), QStringLiteral("添加算法"));
+    QAction* probe = entry(subMenu(plain, QStringLiteral("Test")), QStringLiteral("Probe"));
+
+    press(tab, 1, 1);
+    probe->trigger();
+    QCOMPARE(task->getTaskItem().at(1).m_strOption, QStringLiteral("new|"));
+    press(tab, 2, 1);  // The selected cell, one row further down now.
+    probe->trigger();
+
+    QCOMPARE(task->getTaskItem().size(), 4);
+    QCOMPARE(task->getTaskItem().at(2).m_strOption, QStringLiteral("b|"));
+    QCOMPARE(task->getTaskItem().at(3).m_strOption, QStringLiteral("new|"));
 }
 
 void tstFlowTable::pressingAnotherCellMovesTheMemory()
@@ -174,7 +217,7 @@ void tstFlowTable::removedRowIsForgotten()
 
     for (int row = 0; row < 2; ++row) {
         press(tab, row, 0);
-        QCOMPARE(tab.m_pcTable->selectedItems().size(), 3);
+        QVERIFY(tab.m_pcTable->item(row, 0)->isSelected());
     }
 }
 
@@ -254,11 +297,7 @@ void tstFlowTable::runHereResetsTheCounters()
 
 void tstFlowTable::runHereTimesOutAfterTenSeconds()
 {
-    constexpr int StepMs = 500;
-    TaskItem endless = step("");
-    endless.m_strArithmID = QStringLiteral("Test.Slow");
-    endless.m_strOption = QString::number(StepMs) + QStringLiteral(";<CMD>skip:0</CMD>");
-    auto task = makeTask({endless});
+    auto task = makeTask({endlessStep()});
     const Tab tab(*task);
     selectRow(tab, 0);
     const BoxAnswer answer;
@@ -269,10 +308,29 @@ void tstFlowTable::runHereTimesOutAfterTenSeconds()
 
     QVERIFY(timer.elapsed() >= 10000);
     // No step starts later than that, so there is room for only so many.
-    QVERIFY(PluginFolders::algorithmCalls(s_strSlow, "execute") <= 10000 / StepMs + 1);
+    QVERIFY(PluginFolders::algorithmCalls(s_strSlow, "execute") <= 10000 / EndlessStepMs + 1);
     QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("Execute time out, there is a infinite loop or have a long "
                                                            "waiting event, continue to wait?.")});
     QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
+    QCOMPARE(Probes::sourceCalls("stop"), 1);
+}
+
+void tstFlowTable::preparingRunTimesOutAfterTenSecondsAndTheWindowOpens()
+{
+    auto task = makeTask({endlessStep(), step("b")});
+    const Tab tab(*task);
+    selectRow(tab, 1);
+    const BoxAnswer answer;
+    QElapsedTimer timer;
+    timer.start();
+
+    task->modifyOption();
+
+    QVERIFY(timer.elapsed() >= 10000);
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("Execute time out, there is a infinite loop or have a long "
+                                                           "waiting event, continue to wait?.")});
+    QCOMPARE(Probes::configWindows(), 1);
+    QCOMPARE(task->getTaskItem().at(1).m_strOption, QStringLiteral("new|"));
     QCOMPARE(Probes::sourceCalls("stop"), 1);
 }
 
