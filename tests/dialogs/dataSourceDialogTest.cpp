@@ -106,6 +106,7 @@ private Q_SLOTS:
         click(dialog, "btnOK");
         QCOMPARE(noName.title(), QStringLiteral("警告"));
         QCOMPARE(noName.text(), QStringLiteral("数据名称不能为空"));
+        QVERIFY(noName.isInformation());
         QVERIFY(dialog.isVisible());
 
         type(dialog, "edtName", QStringLiteral("img"));
@@ -113,6 +114,7 @@ private Q_SLOTS:
         click(dialog, "btnOK");
         QCOMPARE(noSource.title(), QStringLiteral("警告"));
         QCOMPARE(noSource.text(), QStringLiteral("无数据源"));
+        QVERIFY(noSource.isInformation());
         QVERIFY(dialog.isVisible());
         QCOMPARE(dialog.getConfigString(), QString());
         QCOMPARE(recordNum(m_pcStore), 0);
@@ -168,9 +170,30 @@ private Q_SLOTS:
 
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("创建数据源实例失败."));
+        QVERIFY(box.isInformation());
         QVERIFY(dialog.isVisible());
         QVERIFY(!dialog.getDataSourceInstance());
         QCOMPARE(child<QLineEdit>(dialog, "edtSelectedSource")->text(), QString());
+    }
+
+    void settingThatFailsKeepsTheInstanceOfBefore()
+    {
+        const QMap<QString, DataSource::DataSourceInfo*> kinds{{QStringLiteral("Gone"), nullptr},
+                                                               {QStringLiteral("Test Scripted"), nullptr}};
+        DlgDataSource dialog(&kinds, m_pcStore, savedText("Test Scripted", "RGB", "3", ""), nullptr);
+        dialog.show();
+        click(dialog, "btnSetting");
+        const int instance = PluginFolders::lastInstance(m_strScripted);
+        clickRow(child<QListWidget>(dialog, "lbSourceNames"), 0);
+        const BoxAnswer box;
+
+        click(dialog, "btnSetting");
+
+        QCOMPARE(box.text(), QStringLiteral("创建数据源实例失败."));
+        QCOMPARE(child<QLineEdit>(dialog, "edtSelectedSource")->text(), QStringLiteral("Test Scripted"));
+        QCOMPARE(PluginFolders::sourceCalls(m_strScripted, "removeInstance", instance), 0);
+        click(dialog, "btnOK");
+        QCOMPARE(dialog.getConfigString(), savedText("Test Scripted", "RGB", "3", ""));
     }
 
     void settingCreatesWithAnEmptyConfigurationAndThenHandsOverTheKeptOne()
@@ -185,6 +208,8 @@ private Q_SLOTS:
         const int instance = PluginFolders::lastInstance(m_strScripted);
         // At creation, for the kept text, and after the kind's own dialog.
         QCOMPARE(PluginFolders::sourceCalls(m_strScripted, "setConfig", instance), 3);
+        QCOMPARE(PluginFolders::sourceCalls(m_strScripted, "setConfig to ", instance), 1);
+        QCOMPARE(PluginFolders::sourceCalls(m_strScripted, "setConfig to size=8x8", instance), 2);
         QCOMPARE(PluginFolders::sourceCalls(m_strScripted, "showConfigDlg", 0), dialogs + 1);
         QCOMPARE(scriptedText("testDialogConfig"), QByteArray("size=8x8"));
         QCOMPARE(log.m_lstStates, (QList<bool>{false, true}));

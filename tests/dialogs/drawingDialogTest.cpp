@@ -223,6 +223,7 @@ private Q_SLOTS:
 
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("未选中绘制对象."));
+        QVERIFY(!box.isInformation());
         QVERIFY(dialog.isVisible());
         QCOMPARE(dialog.getConfigString(), QString());
     }
@@ -252,6 +253,7 @@ private Q_SLOTS:
 
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("所选择的数据对象不存在!"));
+        QVERIFY(!box.isInformation());
         QVERIFY(!dialog.isVisible());
         QCOMPARE(dialog.result(), static_cast<int>(QDialog::Accepted));
         QCOMPARE(dialog.getConfigString(), QString());

@@ -134,6 +134,7 @@ private Q_SLOTS:
 
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("未选择输入变量."));
+        QVERIFY(box.isInformation());
         QVERIFY(dialog.isVisible());
         QCOMPARE(dialog.getConfigString(), config);
     }

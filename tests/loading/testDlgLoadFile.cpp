@@ -169,6 +169,7 @@ private Q_SLOTS:
         click(dialog, "btnOK");
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("未选中图片."));
+        QVERIFY(!box.isInformation());
         QVERIFY(dialog.isVisible());
     }
 
@@ -181,6 +182,7 @@ private Q_SLOTS:
         click(dialog, "btnOK");
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("未定义输出名称."));
+        QVERIFY(!box.isInformation());
         QVERIFY(dialog.isVisible());
         QCOMPARE(recordNum(m_cStore.get()), 0);
     }
@@ -281,6 +283,22 @@ private Q_SLOTS:
         QVERIFY(dialog.getConfigString().contains(QStringLiteral("<OutputName>new</OutputName>")));
         QCOMPARE(record->getName(), QStringLiteral("old"));
         QCOMPARE(record->getDescribe(), QStringLiteral("older"));
+    }
+
+    void otherTypeOfAForeignTextKeepsTheRecord()
+    {
+        m_cStore->getParamDIB(7);
+        for (const char* button : {"rbRGB", "rbGray"}) {
+            DlgLoadFile dialog(optionText(m_strPath, 0, 7).replace("<PicType>0", "<PicType>5"), m_cStore.get(),
+                               nullptr);
+            dialog.show();
+            click(dialog, button);
+            click(dialog, "btnOK");
+            const int grey = button == QByteArray("rbGray") ? 1 : 0;
+            QCOMPARE(dialog.getConfigString(), optionText(m_strPath, grey, 7));
+            QCOMPARE(m_cStore->requestParamDIBMap()->keys(), QList<int>{7});
+            QCOMPARE(recordNum(m_cStore.get()), 1);
+        }
     }
 
     void negativeIdentifierMakesARecord()

@@ -154,6 +154,7 @@ char* showConfigDlg(char* config, bool reserved)
 void setConfig(int instance, char* config)
 {
     count("setConfig", instance);
+    count((std::string("setConfig to ") + config).c_str(), instance);
     const std::lock_guard<std::mutex> guard(s_cMutex);
     s_mapInstances[instance].config = config;
     s_nLastInstance = instance;

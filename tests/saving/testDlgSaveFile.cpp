@@ -176,6 +176,7 @@ private Q_SLOTS:
         click(dialog, "btnOK");
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("未选中基本路径."));
+        QVERIFY(!box.isInformation());
         QVERIFY(dialog.isVisible());
         QCOMPARE(dialog.getConfigString(), QString());
     }

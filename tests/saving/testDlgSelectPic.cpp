@@ -74,6 +74,7 @@ private Q_SLOTS:
         click(dialog, "btnOK");
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("未选中图像"));
+        QVERIFY(!box.isInformation());
         QVERIFY(dialog.isVisible());
     }
 

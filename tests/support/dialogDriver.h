@@ -140,17 +140,20 @@ class BoxAnswer
 {
 public:
     QString title() const { return m_strTitle; }
-    QString text() const { return m_strText; }  ///< Null as long as no box came.
+    QString text() const { return m_strText; }                                  ///< Null as long as no box came.
+    bool isInformation() const { return m_eIcon == QMessageBox::Information; }  ///< Else an about box.
     bool came() const { return m_cWhen.came(); }
 
 private:
     WhenModal<QMessageBox> m_cWhen{[this](QMessageBox& box) {
         m_strTitle = box.windowTitle();
         m_strText = box.text();
+        m_eIcon = box.icon();
         QTest::mouseClick(box.buttons().value(0), Qt::LeftButton);
     }};
     QString m_strTitle;
     QString m_strText;
+    QMessageBox::Icon m_eIcon = QMessageBox::NoIcon;
 };
 
 /// Acts on a dialog that the call then shows modally; a dialog that is still open afterwards is closed.
