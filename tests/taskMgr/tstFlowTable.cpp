@@ -321,12 +321,14 @@ void tstFlowTable::preparingRunTimesOutAfterTenSecondsAndTheWindowOpens()
     const Tab tab(*task);
     selectRow(tab, 1);
     const BoxAnswer answer;
+    const int before = PluginFolders::algorithmCalls(s_strSlow, "execute");
     QElapsedTimer timer;
     timer.start();
 
     task->modifyOption();
 
     QVERIFY(timer.elapsed() >= 10000);
+    QVERIFY(PluginFolders::algorithmCalls(s_strSlow, "execute") - before <= 10000 / EndlessStepMs + 1);
     QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("Execute time out, there is a infinite loop or have a long "
                                                            "waiting event, continue to wait?.")});
     QCOMPARE(Probes::configWindows(), 1);
