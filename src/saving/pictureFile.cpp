@@ -19,45 +19,54 @@ QString partName(const QString& folder)
     return QStringLiteral("%1/.lumivant-%2-%3.part").arg(folder).arg(::getpid()).arg(count.fetch_add(1));
 }
 
-/// Takes the unfinished file away unless it got its name.
-class PartFile
+/**
+ * The file while it is being written; taken away unless it got its name.
+ *
+ * A write that fails is remembered and not told to Qt's encoders: they lose memory when they stop half way.
+ */
+class PartFile : public QFile
 {
 public:
-    explicit PartFile(const QString& folder) : m_cFile(partName(folder)) {}
-    ~PartFile()
+    explicit PartFile(const QString& folder) : QFile(partName(folder)) {}
+    ~PartFile() override
     {
-        m_cFile.close();
+        close();
         if (m_bMade && !m_bNamed)
-            QFile::remove(m_cFile.fileName());  // its own remove() refuses after a failed write
+            QFile::remove(fileName());  // the member function refuses after a failed write
     }
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
 
     bool make()
     {
-        m_bMade = m_cFile.open(QIODevice::WriteOnly | QIODevice::NewOnly);
+        m_bMade = open(WriteOnly | NewOnly);
         return m_bMade;
     }
 
-    QIODevice* device() { return &m_cFile; }
-
     /// Completes the file and gives it its name; false when the disk did not take all of it.
-    bool rename(const QFileInfo& target)
+    bool nameAs(const QFileInfo& target)
     {
-        const bool isComplete = m_cFile.flush() && m_cFile.error() == QFileDevice::NoError;
         if (target.exists())
-            m_cFile.setPermissions(target.permissions());
-        m_cFile.close();
-        if (!isComplete || m_cFile.error() != QFileDevice::NoError)
+            setPermissions(target.permissions());
+        const bool isComplete = flush() && !m_bFailed;
+        close();
+        if (!isComplete || error() != NoError)
             return false;
-        const QByteArray from = QFile::encodeName(m_cFile.fileName());
-        m_bNamed = std::rename(from.constData(), QFile::encodeName(target.filePath()).constData()) == 0;
+        const QByteArray from = encodeName(fileName());
+        m_bNamed = std::rename(from.constData(), encodeName(target.filePath()).constData()) == 0;
         return m_bNamed;
     }
 
+protected:
+    qint64 writeData(const char* data, qint64 length) override
+    {
+        m_bFailed = m_bFailed || QFile::writeData(data, length) != length;
+        return length;
+    }
+
 private:
-    QFile m_cFile;
     bool m_bMade = false;
+    bool m_bFailed = false;
     bool m_bNamed = false;
 };
 
@@ -81,6 +90,6 @@ bool PictureFile::write(const QImage& picture, const QString& path)
     PartFile part(target.path());
     if (!part.make())
         return false;
-    QImageWriter writer(part.device(), format);
-    return writer.write(picture) && part.rename(target);
+    QImageWriter writer(&part, format);
+    return writer.write(picture) && part.nameAs(target);
 }
