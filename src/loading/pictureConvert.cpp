@@ -31,8 +31,8 @@ void spreadIndices(const unsigned char* indices, unsigned char* target, int widt
 template <typename Take>
 bool forEachRgbRow(const QImage& picture, Take take)
 {
-    constexpr int BandBytes = 32 * 1024;
-    const int bandRows = std::max(1, BandBytes / std::max(1, picture.bytesPerLine()));
+    constexpr int BandPixels = 8 * 1024;  // too few for Qt to hand them to threads of its own
+    const int bandRows = std::max(1, BandPixels / picture.width());
     for (int top = 0; top < picture.height(); top += bandRows) {
         const int rows = std::min(bandRows, picture.height() - top);
         QImage band(picture.constScanLine(top), picture.width(), rows, picture.bytesPerLine(), picture.format());
