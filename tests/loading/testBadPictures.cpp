@@ -1,5 +1,6 @@
 #include "loading/loading.h"
 #include "loading/pictureReader.h"
+#include "memoryLimit.h"
 #include "pictureSupport.h"
 
 #include <QtEndian>
@@ -144,6 +145,23 @@ private Q_SLOTS:
         const Folder folder;
         const QString path = folder.write(hugeBlackAndWhitePng(8192, 8192), "largest.png");
         QCOMPARE(PictureReader::read(path).size(), QSize(8192, 8192));
+    }
+
+    void pictureThatMemoryDoesNotSufficeForGivesAnEmptyRecord()
+    {
+        if (!MemoryLimit::works())
+            QSKIP("Memory cannot be limited under a sanitizer.");
+        const Store store = makeStore();
+        const Folder folder;
+        const QString path = folder.write(hugeBlackAndWhitePng(8192, 8192), "largest.png");
+        const QString text = "<FilePath>" + path + "</FilePath><PicID>3</PicID>";
+        {
+            const MemoryLimit limit(addressSpaceInUse() + 100 * MiB);
+            QCOMPARE(execute<Loading>(text, store.get()), QString());
+        }
+        QCOMPARE(store->findParamDIB(3)->getWidth(), 0);
+        QCOMPARE(execute<Loading>(text, store.get()), QString());
+        QCOMPARE(store->findParamDIB(3)->getWidth(), 8192);
     }
 
     void goodFilesOfOddMakeAreRead_data()

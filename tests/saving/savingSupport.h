@@ -35,6 +35,16 @@ struct Option
     }
 };
 
+/// A step that writes the same file cam.bmp at every pass.
+inline Option sameFileOption(const QString& folder)
+{
+    Option option;
+    option.folder = folder;
+    option.identity = 2;
+    option.separator.clear();
+    return option;
+}
+
 /// A colour record of one colour, in blue-green-red order.
 inline ParamDIB* plainRecord(ArithmParamMgr& store, int id, int width, int height, QRgb colour)
 {

@@ -1,11 +1,10 @@
 #include "dialogDriver.h"
+#include "fileDialog.h"
 #include "saving/dlgSaveFile.h"
 #include "saving/dlgSelectPic.h"
 #include "savingSupport.h"
 
 #include <QCheckBox>
-#include <QDialogButtonBox>
-#include <QFileDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -230,22 +229,21 @@ private Q_SLOTS:
 
     void folderIsChosenInTheFolderDialog()
     {
+        SKIP_WHERE_FILE_DIALOG_IS_NOT_SEEN_RIGHTLY();
         const Folder folder;
         DlgSaveFile dialog(QString(), m_cStore.get(), nullptr);
         dialog.show();
         InDialog<QFileDialog> browser([&](QFileDialog& box) {
             QCOMPARE(box.windowTitle(), QStringLiteral("选取目录"));
             QVERIFY(box.testOption(QFileDialog::ShowDirsOnly));
-            child<QLineEdit>(box, "fileNameEdit")->setText(folder.path());
-            QTest::mouseClick(box.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open), Qt::LeftButton);
+            FileDialog::answer(box, folder.path(), QDialogButtonBox::Open);
         });
         click(dialog, "btnBrowser");
         QVERIFY(browser.came());
         QCOMPARE(textOf(dialog, "edtBasePath"), folder.path());
 
-        InDialog<QFileDialog> cancelled([](QFileDialog& box) {
-            QTest::mouseClick(box.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel), Qt::LeftButton);
-        });
+        InDialog<QFileDialog> cancelled(
+            [](QFileDialog& box) { FileDialog::answer(box, "/", QDialogButtonBox::Cancel); });
         click(dialog, "btnBrowser");
         QVERIFY(cancelled.came());
         QCOMPARE(textOf(dialog, "edtBasePath"), folder.path());

@@ -62,10 +62,7 @@ private Q_SLOTS:
     {
         m_cStore = makeStore();
         m_pcFolder = std::make_unique<Folder>();
-        m_cOption = {};
-        m_cOption.folder = m_pcFolder->path();
-        m_cOption.identity = 2;
-        m_cOption.separator.clear();
+        m_cOption = sameFileOption(m_pcFolder->path());
         m_cOption.wnd = View;
         m_pcView = std::make_unique<ViewForm>(View);
         m_pcView->resize(60, 40);

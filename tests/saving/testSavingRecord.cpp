@@ -65,10 +65,7 @@ private Q_SLOTS:
     {
         m_cStore = makeStore();
         m_pcFolder = std::make_unique<Folder>();
-        m_cOption = {};
-        m_cOption.folder = m_pcFolder->path();
-        m_cOption.identity = 2;
-        m_cOption.separator.clear();
+        m_cOption = sameFileOption(m_pcFolder->path());
     }
 
     void colourRecordIsWrittenInTrueColours_data()

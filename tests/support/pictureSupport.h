@@ -13,6 +13,8 @@
 #include <cstring>
 #include <memory>
 
+#include <unistd.h>
+
 /// What the tests of loading and saving share.
 namespace PictureSupport {
 
@@ -25,6 +27,17 @@ using Store = std::unique_ptr<ArithmParamMgr, StoreDeleter>;
 inline Store makeStore()
 {
     return Store(ArithmParamMgr::newInstance());
+}
+
+constexpr std::size_t MiB = std::size_t{1024} * 1024;
+
+/// What a memory limit has to leave, in bytes.
+inline std::size_t addressSpaceInUse()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("no /proc/self/statm");
+    return file.readAll().split(' ').first().toULongLong() * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 }
 
 /// A 24-bit picture in which every byte tells its place.
