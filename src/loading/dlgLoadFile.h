@@ -47,7 +47,7 @@ private:
     void warn(const QString& text);
 
     std::unique_ptr<Ui::DlgLoadFile> m_pcUi;
-    int m_nType;     ///< LoadingOption::PicType, or NoType.
+    int m_nType;     ///< LoadingOption::PicType; -1: no record made yet.
     int m_nID = -1;  ///< The record; -1: none.
     QString m_strConfig;
     QString m_strPath;          ///< The file that was last found good.

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#if defined(__x86_64__) || defined(__i386__)
+#if defined(__x86_64__)
 #include <tmmintrin.h>
 #define LUMIVANT_SSSE3 __attribute__((target("ssse3"), always_inline)) inline
 #endif
