@@ -102,6 +102,21 @@ private Q_SLOTS:
         QCOMPARE(dialog.getSelectedID(), -1);
     }
 
+    void tabVisitsTheTabsTheTableAndTheButtons()
+    {
+        m_cStore->getParamDIB(4);
+        DlgSelectPic dialog(m_cStore.get());
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        child<QTabWidget>(dialog, "tabPic")->tabBar()->setFocus();
+        QStringList visited;
+        for (int i = 0; i < 4; ++i) {
+            QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+            visited += dialog.focusWidget()->objectName();
+        }
+        QCOMPARE(visited, (QStringList{"tblRGB", "btnOK", "btnCancel", "qt_tabwidget_tabbar"}));
+    }
+
     void tablesGrowWithTheDialog()
     {
         DlgSelectPic dialog(m_cStore.get());
