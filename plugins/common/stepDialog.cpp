@@ -17,6 +17,7 @@ StepDialog::StepDialog(const QString& title, ArithmParamMgr& store)
     : QDialog(QApplication::activeWindow()), m_cStore(store), m_pcUi(std::make_unique<Ui::StepDialog>())
 {
     m_pcUi->setupUi(this);
+    m_pcLastField = m_pcUi->tblInputs;
     setWindowTitle(title);
     m_pcUi->tblInputs->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_pcUi->tblInputs->horizontalHeader()->setStretchLastSection(true);
@@ -72,6 +73,12 @@ PictureRef StepDialog::input() const
     return ranges.isEmpty() ? PictureRef() : m_vecInputs.at(static_cast<std::size_t>(ranges.first().topRow()));
 }
 
+void StepDialog::placeField(QWidget* field)
+{
+    QWidget::setTabOrder(m_pcLastField, field);
+    m_pcLastField = field;
+}
+
 QSpinBox* StepDialog::addNumber(const char* objectName, const QString& label, int lowest, int highest, int value)
 {
     auto* box = new QSpinBox(this);
@@ -80,6 +87,7 @@ QSpinBox* StepDialog::addNumber(const char* objectName, const QString& label, in
     box->setValue(value);
     m_pcUi->layParameters->addRow(label, box);
     m_pcUi->gbParameters->show();
+    placeField(box);
     return box;
 }
 
@@ -91,6 +99,7 @@ QComboBox* StepDialog::addChoice(const char* objectName, const QString& label, c
     box->setCurrentIndex(index);
     m_pcUi->layParameters->addRow(label, box);
     m_pcUi->gbParameters->show();
+    placeField(box);
     return box;
 }
 
@@ -101,6 +110,7 @@ QCheckBox* StepDialog::addFlag(const char* objectName, const QString& label, boo
     box->setChecked(value);
     m_pcUi->layParameters->addRow(box);
     m_pcUi->gbParameters->show();
+    placeField(box);
     return box;
 }
 
@@ -110,5 +120,6 @@ QLineEdit* StepDialog::addOutput(const char* objectName, const QString& label, c
     edit->setObjectName(QLatin1String(objectName));
     edit->setMinimumWidth(OutputNameWidth);
     m_pcUi->layOutputs->addRow(label, edit);
+    placeField(edit);
     return edit;
 }

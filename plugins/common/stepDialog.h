@@ -47,9 +47,11 @@ protected:
     QLineEdit* addOutput(const char* objectName, const QString& label, const OutputRef& output);
 
 private:
+    void placeField(QWidget* field);  ///< In the order of the Tab key: behind the field before it.
     void addInputRow(const PictureRef& picture, const ArithmParam& record, const PictureRef& chosen);
 
     ArithmParamMgr& m_cStore;
     std::unique_ptr<Ui::StepDialog> m_pcUi;
+    QWidget* m_pcLastField;               ///< Before the buttons; not owned.
     std::vector<PictureRef> m_vecInputs;  ///< By row of the table.
 };

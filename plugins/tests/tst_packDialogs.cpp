@@ -37,6 +37,7 @@ private slots:
     void unusedParametersAreDisabled();
     void blurChangesTheKindOfItsOutput();
     void enterAcceptsAndEscapeCancels();
+    void tabGoesFromTheTableThroughTheSettingsToTheButtons();
 
     void pictureFolderDialogRoundTrips();
     void testPatternDialogRoundTrips();
@@ -294,6 +295,25 @@ void TestPackDialogs::enterAcceptsAndEscapeCancels()
              .isEmpty());
     QVERIFY(library.configure(QString(), store.get(), [](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); })
                 .isEmpty());
+}
+
+void TestPackDialogs::tabGoesFromTheTableThroughTheSettingsToTheButtons()
+{
+    const StorePtr store = filledStore();
+    QStringList order;
+    AlgorithmLibrary(QStringLiteral("threshold")).configure(QString(), store.get(), [&order](QDialog& dialog) {
+        QWidget* widget = widgetOf<QTableWidget>(dialog, "tblInputs");
+        const QWidget* first = widget;
+        do {
+            if (widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) &&
+                !widget->objectName().startsWith("qt_"))
+                order << widget->objectName();
+            widget = widget->nextInFocusChain();
+        } while (widget != first);
+        dialog.reject();
+    });
+    QCOMPARE(order,
+             (QStringList{"tblInputs", "cmbMethod", "spnValue", "chkInvert", "edtOutput", "btnOK", "btnCancel"}));
 }
 
 void TestPackDialogs::pictureFolderDialogRoundTrips()
