@@ -4,6 +4,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QMap>
 #include <QSet>
 #include <QtTest>
@@ -22,6 +23,8 @@ private slots:
     void everyTaskHasAViewOfItsOwn();
     void everyStepRunsAndEveryDrawnRecordIsFilled();
     void tasksTogetherShowEveryKindOfRecord();
+    void everyBuiltInAlgorithmTakesPart();
+    void whatIsSavedIsLimited();
     void stepOptionsAreAsTheDialogsWriteThem();
 
 private:
@@ -115,12 +118,46 @@ const SourceLibrary& sourceOf(const QString& name)
     return name == QLatin1String("Picture Folder") ? s_cFolder : s_cPattern;
 }
 
+bool isMemoryDisk(const QString& source)
+{
+    return source.startsWith(QLatin1String("Memory Disk "));
+}
+
+/// The workbench's own steps, as far as this pack has to do with them: what they read is there.
+QString problemOfBuiltIn(const QString& id, const QString& option, ArithmParamMgr* store)
+{
+    const TaggedReader reader(option);
+    if (id == QLatin1String("KW_Drawing"))
+        return elementCount(store, drawnBy(option)) > 0 ? QString() : QStringLiteral("nothing to draw");
+    if (id == QLatin1String("KW_Loading")) {
+        const QImage image(reader.text("FilePath"));
+        store->getParamGray8(reader.number("PicID", 0, 0, 1000))->resize(image.width(), image.height());
+        return image.isNull() ? QStringLiteral("nothing to load") : QString();
+    }
+    if (id == QLatin1String("KW_Saving") && reader.number("Wnd", 0, 0, 4) < 4)
+        return QString();
+    const bool saving = id == QLatin1String("KW_Saving");
+    const int kind = reader.text(saving ? "PicType" : "InputType") == QLatin1String("RGB") ? 0 : 1;
+    const int record = reader.number(saving ? "PicID" : "InputID", 0, 0, 1000);
+    return elementCount(store, {kind, record}) > 0 ? QString() : QStringLiteral("no picture");
+}
+
+/// What a task wrote into its memory disk: a grey picture.
+Picture handedOver(const QString& option, ArithmParamMgr* store)
+{
+    ParamGray8* record = store->getParamGray8(TaggedReader(option).number("InputID", 0, 0, 1000));
+    Picture picture;
+    picture.width = record->getWidth();
+    picture.height = record->getHeight();
+    picture.bytes = QByteArray(reinterpret_cast<const char*>(record->getGray8()), picture.width * picture.height);
+    return picture;
+}
+
 /// Puts the next picture where the workbench would put it.
-bool fetch(SourceInstance& source, const TaggedReader& config, ArithmParamMgr* store)
+bool put(const Picture& picture, const TaggedReader& config, ArithmParamMgr* store)
 {
     const QString type = config.text("OutputType");
     const int id = config.number("OutputID", 0, 0, 1000);
-    const Picture picture = source.waitFor(type == QLatin1String("RGB") ? "RGB" : "Gray8");
     if (picture.isNull())
         return false;
     unsigned char* target;
@@ -166,19 +203,26 @@ void TestDemo::everyTaskHasAViewOfItsOwn()
 
 void TestDemo::everyStepRunsAndEveryDrawnRecordIsFilled()
 {
+    Picture onDisk;
     for (const QString& task : qAsConst(m_lstTasks)) {
         const QString sourceText = body(task, "DataSource");
         const TaggedReader config(sourceText);
         const QString ownConfig = sourceText.mid(sourceText.indexOf("<Config>"));
-        SourceInstance source(sourceOf(config.text("DSName")), ownConfig);
+        const bool fromDisk = isMemoryDisk(config.text("DSName"));
+        SourceInstance source(sourceOf(config.text("DSName")), fromDisk ? QString() : ownConfig);
         source.start();
         const StorePtr store = newStore();
         for (int pass = 0; pass < 5; ++pass) {
-            QVERIFY2(fetch(source, config, store.get()), qPrintable(source.lastError()));
+            const QByteArray type = config.text("OutputType").toUtf8();
+            QVERIFY2(put(fromDisk ? onDisk : source.waitFor(type.constData()), config, store.get()),
+                     qPrintable(source.lastError()));
             for (const QString& step : stepsOf(task)) {
                 const QString id = body(step, "ArithmID"), option = body(step, "OptionStr");
-                if (id == QLatin1String("KW_Drawing")) {
-                    QVERIFY2(elementCount(store.get(), drawnBy(option)) > 0, qPrintable(option));
+                if (id.startsWith(QLatin1String("KW_"))) {
+                    const QString problem = problemOfBuiltIn(id, option, store.get());
+                    QVERIFY2(problem.isEmpty(), qPrintable(problem + option));
+                    if (id == QLatin1String("KW_MemoryDisk"))
+                        onDisk = handedOver(option, store.get());
                     continue;
                 }
                 QVERIFY2(algorithm(id), qPrintable(id));
@@ -201,6 +245,29 @@ void TestDemo::tasksTogetherShowEveryKindOfRecord()
         }
     }
     QCOMPARE(kinds, (QSet<int>{0, 1, 3, 4, 5, 6, 7}));
+}
+
+void TestDemo::everyBuiltInAlgorithmTakesPart()
+{
+    QSet<QString> identifiers;
+    for (const QString& id : bodies(m_strText, QStringLiteral("<-ArithmID->"), QStringLiteral("</-ArithmID->")))
+        identifiers.insert(id);
+    for (const char* id : {"KW_MemoryDisk", "KW_Drawing", "KW_Saving", "KW_Loading"})
+        QVERIFY2(identifiers.contains(QLatin1String(id)), id);
+    QVERIFY(m_strText.contains("<DSName>Memory Disk 0</DSName>"));
+}
+
+void TestDemo::whatIsSavedIsLimited()
+{
+    for (const QString& task : qAsConst(m_lstTasks)) {
+        for (const QString& step : stepsOf(task)) {
+            if (body(step, "ArithmID") != QLatin1String("KW_Saving"))
+                continue;
+            const int times = body(step, "MaxExeTimes").toInt();
+            QVERIFY2(times == 999999999 || (times > 0 && times <= 5), qPrintable(step));
+            QCOMPARE(TaggedReader(body(step, "OptionStr")).text("BasePath"), QStringLiteral("out"));
+        }
+    }
 }
 
 void TestDemo::stepOptionsAreAsTheDialogsWriteThem()
