@@ -1,5 +1,5 @@
 // What does the grey value of a loaded pixel cost, beside the plain double expression that defines it?
-#include "loading/pictureConvert.h"
+#include "pixels/pixels.h"
 
 #include <benchmark/benchmark.h>
 
@@ -39,7 +39,7 @@ void greyOfRgb(benchmark::State& state)
     const Bytes rgb = pixels(state.range(0));
     Bytes grey(Pixels);
     for (auto _ : state) {
-        PictureConvert::greyOfRgb(rgb.data(), grey.data(), Pixels);
+        Pixels::greyOfRgb(rgb.data(), grey.data(), Pixels);
         benchmark::ClobberMemory();
     }
 }

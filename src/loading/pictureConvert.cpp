@@ -1,35 +1,103 @@
 #include "loading/pictureConvert.h"
 
 #include "paramStore/pictureLayout.h"
+#include "pixels/pixels.h"
 
 #include <QImage>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace {
+
+using Operation = void (*)(const unsigned char* source, unsigned char* target, std::size_t count);
 
 std::size_t bytes(std::int64_t count)
 {
     return static_cast<std::size_t>(count);
 }
 
-/// One index three times, for a row of indices.
-void spreadIndices(const unsigned char* indices, unsigned char* target, int width)
+// ---- What happens to a row of count pixels --------------------------------------------------------------------------
+
+void copyGrey(const unsigned char* grey, unsigned char* target, std::size_t count)
 {
-    for (int x = 0; x < width; ++x, target += 3)
-        std::memset(target, indices[x], 3);
+    std::memcpy(target, grey, count);
+}
+
+void copyRgb(const unsigned char* rgb, unsigned char* target, std::size_t count)
+{
+    std::memcpy(target, rgb, count * 3);
+}
+
+std::array<unsigned char, 256> makeGreyOfGrey()
+{
+    std::array<unsigned char, 256 * 3> greys;
+    for (std::size_t i = 0; i < greys.size(); ++i)
+        greys[i] = static_cast<unsigned char>(i / 3);
+    std::array<unsigned char, 256> results;
+    Pixels::greyOfRgb(greys.data(), results.data(), results.size());
+    return results;
+}
+
+/// The grey value of three equal bytes is one less for some.
+void greyOfGrey(const unsigned char* grey, unsigned char* target, std::size_t count)
+{
+    static const std::array<unsigned char, 256> table = makeGreyOfGrey();
+    for (std::size_t i = 0; i < count; ++i)
+        target[i] = table[grey[i]];
+}
+
+// ---- Rows straight from the picture ---------------------------------------------------------------------------------
+
+/// From a picture's own row to a colour record's row; null when Qt has to convert it first.
+Operation colourOperation(QImage::Format format)
+{
+    switch (format) {
+    case QImage::Format_Indexed8:
+    case QImage::Format_Grayscale8:
+        return Pixels::rgbOfGrey;
+    case QImage::Format_RGB888:
+        return copyRgb;
+    case QImage::Format_RGB32:
+    case QImage::Format_ARGB32:  // the opacity is dropped
+        return Pixels::rgbOfBgrx;
+    default:
+        return nullptr;
+    }
+}
+
+/// From a picture's own row to a grey record's row; null when Qt has to convert it first.
+Operation greyOperation(QImage::Format format)
+{
+    switch (format) {
+    case QImage::Format_Indexed8:
+        return copyGrey;
+    case QImage::Format_Grayscale8:
+        return greyOfGrey;
+    case QImage::Format_RGB888:
+        return Pixels::greyOfRgb;
+    case QImage::Format_RGB32:
+    case QImage::Format_ARGB32:
+        return Pixels::greyOfBgrx;
+    default:
+        return nullptr;
+    }
+}
+
+void forEachRow(const QImage& picture, Operation operation, unsigned char* target, std::size_t stride)
+{
+    for (int y = 0; y < picture.height(); ++y)
+        operation(picture.constScanLine(y), target + stride * bytes(y), bytes(picture.width()));
 }
 
 /**
- * Shows a picture as red-green-blue rows, a band of rows at a time, so that what Qt converts is still in the cache when
- * it is read again.
+ * Takes each row after Qt's conversion to red, green, blue, a band of rows at a time, so that what Qt converts is still
+ * in the cache when it is read again.
  *
- * @param take called for each row from the top with (row's pixels, row number)
  * @return false when there was no memory
  */
-template <typename Take>
-bool forEachRgbRow(const QImage& picture, Take take)
+bool forEachConvertedRow(const QImage& picture, Operation operation, unsigned char* target, std::size_t stride)
 {
     constexpr int BandPixels = 8 * 1024;  // too few for Qt to hand them to threads of its own
     const int bandRows = std::max(1, BandPixels / picture.width());
@@ -41,8 +109,7 @@ bool forEachRgbRow(const QImage& picture, Take take)
         const QImage rgb = band.convertToFormat(QImage::Format_RGB888);
         if (rgb.isNull())
             return false;
-        for (int row = 0; row < rows; ++row)
-            take(rgb.constScanLine(row), top + row);
+        forEachRow(rgb, operation, target + stride * bytes(top), stride);
     }
     return true;
 }
@@ -51,30 +118,20 @@ bool forEachRgbRow(const QImage& picture, Take take)
 
 bool PictureConvert::copyAsColour(const QImage& picture, unsigned char* target)
 {
-    const int width = picture.width();
-    const std::size_t stride = bytes(PictureLayout::colourStride(width));
-    if (picture.format() == QImage::Format_Indexed8) {
-        for (int y = 0; y < picture.height(); ++y)
-            spreadIndices(picture.constScanLine(y), target + stride * bytes(y), width);
-        return true;
-    }
-    if (picture.format() == QImage::Format_RGB888 && bytes(picture.bytesPerLine()) == stride) {
-        std::memcpy(target, picture.constBits(), bytes(picture.sizeInBytes()));
-        return true;
-    }
-    return forEachRgbRow(picture, [=](const unsigned char* row, int y) {
-        std::memcpy(target + stride * bytes(y), row, bytes(width) * 3);
-    });
+    const std::size_t stride = bytes(PictureLayout::colourStride(picture.width()));
+    const Operation operation = colourOperation(picture.format());
+    if (!operation)
+        return forEachConvertedRow(picture, copyRgb, target, stride);
+    forEachRow(picture, operation, target, stride);
+    return true;
 }
 
 bool PictureConvert::copyAsGrey(const QImage& picture, unsigned char* target)
 {
-    const std::size_t width = bytes(picture.width());
-    if (picture.format() == QImage::Format_Indexed8) {
-        for (int y = 0; y < picture.height(); ++y)
-            std::memcpy(target + width * bytes(y), picture.constScanLine(y), width);
-        return true;
-    }
-    return forEachRgbRow(picture,
-                         [=](const unsigned char* row, int y) { greyOfRgb(row, target + width * bytes(y), width); });
+    const std::size_t stride = bytes(picture.width());
+    const Operation operation = greyOperation(picture.format());
+    if (!operation)
+        return forEachConvertedRow(picture, Pixels::greyOfRgb, target, stride);
+    forEachRow(picture, operation, target, stride);
+    return true;
 }

@@ -2,6 +2,7 @@
 
 #include "paramStore/arithmParamMgr.h"
 #include "paramStore/pictureLayout.h"
+#include "pixels/pixels.h"
 #include "saving/savingOption.h"
 
 #include <QImage>
@@ -16,8 +17,11 @@ QImage colourPicture(const ParamDIB* record)
         return {};
     const int width = record->getWidth();
     const int height = record->getHeight();
-    PictureLayout::exchangeFirstAndThird(record->getDIB(), width, height);
     const auto stride = static_cast<int>(PictureLayout::colourStride(width));
+    for (int y = 0; y < height; ++y) {
+        unsigned char* row = record->getDIB() + static_cast<std::ptrdiff_t>(stride) * y;
+        Pixels::exchangeFirstAndThird(row, row, static_cast<std::size_t>(width));
+    }
     return QImage(record->getDIB(), width, height, stride, QImage::Format_RGB888);
 }
 

@@ -1,0 +1,6 @@
+#include "pixels/kernels.h"
+
+const PixelKernels* PixelKernels::neon()
+{
+    return nullptr;
+}

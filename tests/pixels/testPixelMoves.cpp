@@ -1,0 +1,131 @@
+#include "pixelSupport.h"
+#include "pixels/pixels.h"
+
+#include <cstring>
+
+using namespace PixelSupport;
+
+namespace {
+
+// What each operation does to one pixel, spelled out.
+const std::vector<std::size_t> ExchangedBytes{2, 1, 0};
+const std::vector<std::size_t> RgbOfBgrxBytes{2, 1, 0};
+const std::vector<std::size_t> RgbOfGreyBytes{0, 0, 0};
+
+struct Move
+{
+    PixelKernels::Operation PixelKernels::*m_pOperation;
+    std::size_t m_nSourceBytes;                        ///< A pixel.
+    const std::vector<std::size_t>* m_pcSourceOfByte;  ///< For each byte of a target pixel.
+};
+
+const Move Moves[] = {{&PixelKernels::m_pfnExchange, 3, &ExchangedBytes},
+                      {&PixelKernels::m_pfnRgbOfBgrx, 4, &RgbOfBgrxBytes},
+                      {&PixelKernels::m_pfnRgbOfGrey, 1, &RgbOfGreyBytes}};
+
+Bytes moved(const Bytes& source, const Move& move)
+{
+    Bytes target;
+    for (std::size_t pixel = 0; pixel < source.size(); pixel += move.m_nSourceBytes) {
+        for (const std::size_t byte : *move.m_pcSourceOfByte)
+            target.push_back(source[pixel + byte]);
+    }
+    return target;
+}
+
+/// From buffers with nothing behind them, at an offset from their alignment.
+void checkMove(const PixelKernels& form, const Move& move, std::size_t count, std::size_t offset)
+{
+    Bytes source = mixedBytes(count * move.m_nSourceBytes, static_cast<unsigned>(count + offset));
+    Bytes expected = moved(source, move);
+    expected.insert(expected.begin(), offset, 0xEE);
+    expected.push_back(0xDD);
+    source.insert(source.begin(), offset, 0);
+    Bytes target(offset, 0xEE);
+    target.resize(expected.size(), 0xDD);
+    const Bytes before = source;
+    (form.*move.m_pOperation)(source.data() + offset, target.data() + offset, count);
+    QCOMPARE(target, expected);
+    QCOMPARE(source, before);
+}
+
+}  // namespace
+
+class TestPixelMoves : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void rowsOfEveryLengthAtEveryOffset_data() { addForms(); }
+    void rowsOfEveryLengthAtEveryOffset()
+    {
+        const PixelKernels& form = formOfRow();
+        for (const Move& move : Moves) {
+            for (std::size_t count = 0; count <= 140; ++count) {
+                checkMove(form, move, count, count % 5);
+                if (QTest::currentTestFailed())
+                    return;
+            }
+            for (std::size_t offset = 0; offset < 33; ++offset)
+                checkMove(form, move, 1921, offset);
+        }
+    }
+
+    void everyByteReachesEveryPlace_data() { addForms(); }
+    void everyByteReachesEveryPlace()
+    {
+        const PixelKernels& form = formOfRow();
+        constexpr std::size_t Count = 96;
+        for (const Move& move : Moves) {
+            for (std::size_t byte = 0; byte < Count * move.m_nSourceBytes; ++byte) {
+                Bytes source(Count * move.m_nSourceBytes, 0);
+                source[byte] = 0xFF;
+                Bytes target(Count * 3, 0x55);
+                (form.*move.m_pOperation)(source.data(), target.data(), Count);
+                QCOMPARE(target, moved(source, move));
+            }
+        }
+    }
+
+    void exchangeWorksInPlaceAndTwiceIsNothing_data() { addForms(); }
+    void exchangeWorksInPlaceAndTwiceIsNothing()
+    {
+        const PixelKernels& form = formOfRow();
+        for (std::size_t count = 0; count <= 140; ++count) {
+            const Bytes before = mixedBytes(3 * count, static_cast<unsigned>(count));
+            Bytes pixels = before;
+            form.m_pfnExchange(pixels.data(), pixels.data(), count);
+            QCOMPARE(pixels, moved(before, Moves[0]));
+            form.m_pfnExchange(pixels.data(), pixels.data(), count);
+            QCOMPARE(pixels, before);
+        }
+    }
+
+    void whatTheProgramCallsIsOneOfTheForms()
+    {
+        const Bytes source = mixedBytes(4 * 57, 3);
+        Bytes expected(3 * 57);
+        Bytes target(3 * 57);
+        const PixelKernels& plain = PixelKernels::plain();
+        Pixels::exchangeFirstAndThird(source.data(), target.data(), 57);
+        plain.m_pfnExchange(source.data(), expected.data(), 57);
+        QCOMPARE(target, expected);
+        Pixels::rgbOfBgrx(source.data(), target.data(), 57);
+        plain.m_pfnRgbOfBgrx(source.data(), expected.data(), 57);
+        QCOMPARE(target, expected);
+        Pixels::rgbOfGrey(source.data(), target.data(), 57);
+        plain.m_pfnRgbOfGrey(source.data(), expected.data(), 57);
+        QCOMPARE(target, expected);
+    }
+
+    void plainFormIsAlwaysThereAndFirst()
+    {
+        QCOMPARE(PixelKernels::available().front(), &PixelKernels::plain());
+#if defined(__x86_64__)
+        QCOMPARE(PixelKernels::ssse3() != nullptr, bool(__builtin_cpu_supports("ssse3")));
+#endif
+    }
+};
+
+QTEST_APPLESS_MAIN(TestPixelMoves)
+#include "testPixelMoves.moc"
