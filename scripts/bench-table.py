@@ -43,6 +43,10 @@ def rows(time, window):
     for kind, name in enumerate(("any colours", "pure greys")):
         yield f"grey of full HD, {name} / double loop", time[f"greyOfRgb/{kind}"], time[f"greyByDoubles/{kind}"], \
             "below 1", time[f"greyOfRgb/{kind}"] < time[f"greyByDoubles/{kind}"]
+    for number, name in enumerate(("memory disk", "drawing", "saving", "loading")):
+        parts = time[f"prepareConfig/{number}"] + time[f"showConfig/{number}"]
+        opened = time[f"openConfig/{number}"]
+        yield f"{name} window opened / preparing run + window alone", opened, parts, "at most 1.1", opened / parts <= 1.1
     for number, name in enumerate(("JPG", "PNG", "BMP")):
         for grey, kind in enumerate(("colour", "grey")):
             yield f"loading a full HD {name} as {kind} / QImage", time[f"loadByStep/{number}/{grey}"], \
