@@ -1,5 +1,4 @@
 // Does opening and writing a project grow linearly with its length?
-#include "taskMgr/projectText.h"
 #include "taskMgr/taskMgr.h"
 
 #include <benchmark/benchmark.h>
@@ -33,7 +32,7 @@ void writeProject(benchmark::State& state)
 {
     TaskMgr::getInstance()->fromString(projectOf(static_cast<int>(state.range(0))));
     for (auto _ : state)
-        benchmark::DoNotOptimize(ProjectText::collapseEmptyLines(TaskMgr::getInstance()->toString()).toUtf8());
+        benchmark::DoNotOptimize(TaskMgr::getInstance()->toSavedText());
     TaskMgr::getInstance()->clear();
 }
 

@@ -2,7 +2,6 @@
 #include "mainwindow.h"
 
 #include "safeFile.h"
-#include "taskMgr/projectText.h"
 #include "taskMgr/taskMgr.h"
 #include "windowMessages.h"
 
@@ -65,8 +64,7 @@ void MainWindow::saveProject(const QString& target)
 {
     const QString suffix = WindowMessages::projectSuffix();
     const QString path = target.endsWith(suffix) ? target : target + suffix;
-    const QString text = ProjectText::collapseEmptyLines(TaskMgr::getInstance()->toString());
-    if (!SafeFile::replaceFile(path, text.toUtf8())) {
+    if (!SafeFile::replaceFile(path, TaskMgr::getInstance()->toSavedText())) {
         showFileError();
         return;
     }

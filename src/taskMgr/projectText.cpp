@@ -1,30 +1,37 @@
 #include "projectText.h"
 
+#include "textScan.h"
+
 #include <QStringRef>
 
-ElementReader::ElementReader(const QString& text, const QString& open, const QString& close)
+#include <algorithm>
+
+ElementReader::ElementReader(QStringView text, const QString& open, const QString& close)
     : m_strText(text), m_strOpen(open), m_strClose(close)
 {
 }
 
-QString ElementReader::next()
+QStringView ElementReader::next()
 {
-    const int open = m_strText.indexOf(m_strOpen, m_nPos, Qt::CaseInsensitive);
+    const int open = TextScan::indexOfMarker(m_strText, m_nPos, m_strOpen);
     if (open < 0)
         return {};
-    const int close = m_strText.indexOf(m_strClose, m_nPos, Qt::CaseInsensitive);
+    const int close = TextScan::indexOfMarker(m_strText, m_nPos, m_strClose);
     if (open >= close)
         return {};
     const int bodyStart = open + m_strOpen.length();
-    const QString body = m_strText.mid(bodyStart, close - bodyStart);
-    m_strLeftOver += m_strText.midRef(m_nPos, open - m_nPos);
+    // Where the markers overlap, the body is all that follows.
+    const QStringView body = close < bodyStart ? m_strText.mid(bodyStart) : m_strText.mid(bodyStart, close - bodyStart);
+    m_strLeftOver.append(m_strText.data() + m_nPos, open - m_nPos);
     m_nPos = close + m_strClose.length();
-    if (markerAcrossSeam()) {
-        m_strText = remaining();
-        m_strLeftOver.clear();
-        m_nPos = 0;
-    }
-    return body;
+    if (!markerAcrossSeam())
+        return body;
+    m_strBody = body.toString();
+    m_strJoined = remaining();
+    m_strText = m_strJoined;
+    m_strLeftOver.clear();
+    m_nPos = 0;
+    return m_strBody;
 }
 
 // Looks at so little on both sides that neither side alone can hold the marker.
@@ -32,7 +39,7 @@ bool ElementReader::markerAcrossSeam() const
 {
     const auto across = [this](const QString& marker) {
         const int reach = marker.length() - 1;
-        const QString seam = m_strLeftOver.right(reach) + m_strText.midRef(m_nPos, reach);
+        const QString seam = m_strLeftOver.right(reach) + m_strText.mid(m_nPos, reach).toString();
         return seam.contains(marker, Qt::CaseInsensitive);
     };
     return !m_strLeftOver.isEmpty() && (across(m_strOpen) || across(m_strClose));
@@ -44,19 +51,50 @@ QString ProjectText::upToNul(const QString& text)
     return nul < 0 ? text : text.left(nul);
 }
 
+// Only a line end right behind another can go; all up to the next such place is copied at once.
 QString ProjectText::collapseEmptyLines(const QString& text)
 {
+    constexpr TextScan::OneOf LineEnd{u'\r', u'\n'};
     QString result;
     result.reserve(text.length());
-    for (const QChar c : text) {
-        const bool lineEnd = c == QLatin1Char('\r') || c == QLatin1Char('\n');
-        if (lineEnd && result.endsWith(c))
+    for (int copied = 0; copied < text.length();) {
+        const int next = std::min(TextScan::indexOfPair(text, std::max(copied - 1, 0), LineEnd, LineEnd) + 1,
+                                  static_cast<int>(text.length()));
+        result.append(text.constData() + copied, next - copied);
+        if (next == text.length())
+            break;
+        const QChar c = text.at(next);
+        copied = next + 1;
+        if (result.endsWith(c))
             continue;
         result += c;
-        if (lineEnd && result.endsWith(QLatin1String("\r\n\r\n")))
+        if (result.endsWith(QLatin1String("\r\n\r\n")))
             result.chop(2);
     }
     return result;
+}
+
+void ProjectText::Saved::keepShort()
+{
+    constexpr int Long = 32 * 1024;
+    constexpr int LineEndsThatMayGrow = 3;  // of "\r\n\r\n"
+    if (m_strText.length() > Long)
+        takeOff(LineEndsThatMayGrow);
+}
+
+QByteArray ProjectText::Saved::finish()
+{
+    takeOff(0);
+    return m_cUtf8;
+}
+
+void ProjectText::Saved::takeOff(int held)
+{
+    const QString collapsed = collapseEmptyLines(m_strText);
+    held = std::min(held, static_cast<int>(collapsed.length()));
+    m_cUtf8 += collapsed.leftRef(collapsed.length() - held).toUtf8();
+    m_strText.resize(0);
+    m_strText += collapsed.rightRef(held);
 }
 
 namespace {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+#include <QStringView>
 
 #include <functional>
 
@@ -14,18 +16,21 @@
 class ElementReader
 {
 public:
-    ElementReader(const QString& text, const QString& open, const QString& close);
+    /// text is not copied and outlives the reader.
+    ElementReader(QStringView text, const QString& open, const QString& close);
 
-    /// The body of the next element; empty when there is none, or when it is empty itself.
-    QString next();
+    /// The body of the next element, valid until the next call; empty when there is none, or when it is empty itself.
+    QStringView next();
 
     /// The text without the elements taken so far.
-    QString remaining() const { return m_strLeftOver + m_strText.mid(m_nPos); }
+    QString remaining() const { return m_strLeftOver + m_strText.mid(m_nPos).toString(); }
 
 private:
     bool markerAcrossSeam() const;
 
-    QString m_strText;
+    QStringView m_strText;
+    QString m_strJoined;  ///< What m_strText shows once a marker formed across a seam.
+    QString m_strBody;    ///< The body given last, where the text it stood in is gone.
     QString m_strOpen;
     QString m_strClose;
     QString m_strLeftOver;  ///< What stood in front of the window and was not part of an element.
@@ -42,6 +47,25 @@ QString upToNul(const QString& text);
  * until none of the three is left. Used on the whole project text before it is saved.
  */
 QString collapseEmptyLines(const QString& text);
+
+/**
+ * Makes the bytes of a project file out of a text that is written into it piece by piece: empty lines removed, UTF-8.
+ *
+ * Only the last pieces wait as text, so a long project costs the memory of its file and little more.
+ */
+class Saved
+{
+public:
+    QString& text() { return m_strText; }  ///< To append to.
+    void keepShort();                      ///< May be called behind each whole line; takes a long text off.
+    QByteArray finish();                   ///< The whole file.
+
+private:
+    void takeOff(int held);
+
+    QString m_strText;
+    QByteArray m_cUtf8;
+};
 
 /**
  * Calls found for each identifier that an option text names: the decimal number, blanks around it allowed, in each

@@ -13,11 +13,13 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <vector>
 
 class ArithmParamMgr;
 struct RunState;
+struct TaskText;
 class QAction;
 class QComboBox;
 class QMenu;
@@ -75,6 +77,10 @@ public:
 
     QString toString();             ///< The lines of this task, each ending in a line feed.
     void fromString(QString text);  ///< Fills a new task from the body of its element.
+    void load(TaskText text);       ///< As fromString, from a text that is read already.
+
+    /// Appends what toString gives; afterStep is called behind each step and may then take the text away.
+    void appendTo(QString& text, const std::function<void()>& afterStep);
 
     // ---- Passes (taskInfoPass.cpp) ----------------------------------------------------------------------------------
 
@@ -138,7 +144,6 @@ private:
 
     // ---- Project text (taskInfoText.cpp) ----------------------------------------------------------------------------
     void loadDataSource(const QString& config);
-    void loadStep(QString body);
     void reserveNamedIDs(const QString& text);  ///< So that the store never hands them out as fresh.
 
     // ---- Passes (taskInfoPass.cpp) ----------------------------------------------------------------------------------

@@ -2,30 +2,30 @@
 #include "paramStore/arithmParamMgr.h"
 #include "taskMgr/projectText.h"
 #include "taskMgr/taskInfo.h"
+#include "taskMgr/taskTags.h"
+#include "taskMgr/taskText.h"
 
 // The elements of a task in the project text. Names and numbers stand on the line of their markers, option texts and
 // the text of the data source on lines of their own.
 
 namespace {
 
-QString openTag(const char* name)
+void appendLine(QString& text, const TaskTags::Tag& tag, const QString& body)
 {
-    return QLatin1String("<-") + QLatin1String(name) + QLatin1String("->");
+    text += tag.m_strOpen;
+    text += body;
+    text += tag.m_strClose;
+    text += QLatin1Char('\n');
 }
 
-QString closeTag(const char* name)
+void appendBlock(QString& text, const TaskTags::Tag& tag, const QString& body)
 {
-    return QLatin1String("</-") + QLatin1String(name) + QLatin1String("->");
-}
-
-QString line(const char* name, const QString& body)
-{
-    return openTag(name) + body + closeTag(name) + QLatin1Char('\n');
-}
-
-QString block(const char* name, const QString& body)
-{
-    return openTag(name) + QLatin1Char('\n') + body + QLatin1Char('\n') + closeTag(name) + QLatin1Char('\n');
+    text += tag.m_strOpen;
+    text += QLatin1Char('\n');
+    text += body;
+    text += QLatin1Char('\n');
+    text += tag.m_strClose;
+    text += QLatin1Char('\n');
 }
 
 QString trimmed(QString text)
@@ -34,50 +34,68 @@ QString trimmed(QString text)
     return text;
 }
 
-QString stepText(const TaskItem& item)
+void appendStep(QString& text, const TaskItem& item)
 {
-    return openTag("TaskItem") + QLatin1Char('\n') +                    //
-           line("MaxExeTimes", QString::number(item.m_nMaxExeTimes)) +  //
-           line("ArithmID", item.m_strArithmID) +                       //
-           block("OptionStr", trimmed(item.m_strOption)) +              //
-           line("ClassName", item.m_strClassName) +                     //
-           line("ArithmName", item.m_strArithmName) +                   //
-           line("Describe", item.m_strDescribe) +                       //
-           closeTag("TaskItem") + QLatin1Char('\n');
-}
-
-QString take(QString& text, const char* name)
-{
-    return GlobalFunction::getAndRemoveBody(text, openTag(name), closeTag(name));
+    const TaskTags& tags = TaskTags::get();
+    text += tags.m_cStep.m_strOpen;
+    text += QLatin1Char('\n');
+    appendLine(text, tags.m_cCount, QString::number(item.m_nMaxExeTimes));
+    appendLine(text, tags.m_cArithmID, item.m_strArithmID);
+    appendBlock(text, tags.m_cOption, trimmed(item.m_strOption));
+    appendLine(text, tags.m_cClassName, item.m_strClassName);
+    appendLine(text, tags.m_cArithmName, item.m_strArithmName);
+    appendLine(text, tags.m_cDescribe, item.m_strDescribe);
+    text += tags.m_cStep.m_strClose;
+    text += QLatin1Char('\n');
 }
 
 }  // namespace
 
-// May be called while the task runs: reads of the steps only what a run does not change.
 QString TaskInfo::toString()
 {
-    QString text = line("TaskName", m_strName);
-    text += line("Kernel", QString::number(m_nKernel.load()));
-    text += line("View", QString::number(m_nView.load()));
+    QString text;
+    appendTo(text, [] {});
+    return text;
+}
+
+// May be called while the task runs: reads of the steps only what a run does not change.
+void TaskInfo::appendTo(QString& text, const std::function<void()>& afterStep)
+{
+    const TaskTags& tags = TaskTags::get();
+    appendLine(text, tags.m_cName, m_strName);
+    appendLine(text, tags.m_cKernel, QString::number(m_nKernel.load()));
+    appendLine(text, tags.m_cView, QString::number(m_nView.load()));
     if (m_pcDataSource) {
         GlobalFunction::trimString(m_strDataSourceConfig);
-        text += block("DataSource", m_strDataSourceConfig);
+        appendBlock(text, tags.m_cDataSource, m_strDataSourceConfig);
     }
-    for (const TaskItem& item : qAsConst(m_lstItems))
-        text += stepText(item);
-    return text;
+    for (const TaskItem& item : qAsConst(m_lstItems)) {
+        appendStep(text, item);
+        afterStep();
+    }
 }
 
 void TaskInfo::fromString(QString text)
 {
-    m_strName = take(text, "TaskName");
-    m_nKernel.store(take(text, "Kernel").toInt(nullptr, 10));
-    m_nView.store(take(text, "View").toInt(nullptr, 10));
+    load(TaskText::read(text));
+}
+
+void TaskInfo::load(TaskText text)
+{
+    m_strName = text.m_strName;
+    m_nKernel.store(text.m_nKernel);
+    m_nView.store(text.m_nView);
     showSelections();
-    loadDataSource(take(text, "DataSource"));
-    ElementReader steps(text, openTag("TaskItem"), closeTag("TaskItem"));
-    for (QString body = steps.next(); !body.isEmpty(); body = steps.next())
-        loadStep(body);
+    loadDataSource(text.m_strDataSource);
+    const int before = m_lstItems.size();
+    if (before == 0)
+        m_lstItems.swap(text.m_lstSteps);
+    else
+        m_lstItems += text.m_lstSteps;
+    for (int row = before; row < m_lstItems.size(); ++row) {
+        reserveNamedIDs(qAsConst(m_lstItems).at(row).m_strOption);
+        showAddedStep(row);
+    }
 }
 
 void TaskInfo::loadDataSource(const QString& config)
@@ -88,20 +106,6 @@ void TaskInfo::loadDataSource(const QString& config)
     reserveNamedIDs(config);
     delete m_pcDataSource;
     m_pcDataSource = DataSource::getInstance()->createDataSourceFromConfigString(m_pcStore, config);
-}
-
-void TaskInfo::loadStep(QString body)
-{
-    TaskItem item;
-    item.m_nMaxExeTimes = take(body, "MaxExeTimes").toInt(nullptr, 10);  // a missing count is 0: never runs
-    item.m_strArithmID = take(body, "ArithmID");
-    item.m_strOption = take(body, "OptionStr");
-    item.m_strClassName = take(body, "ClassName");
-    item.m_strArithmName = take(body, "ArithmName");
-    item.m_strDescribe = take(body, "Describe");
-    reserveNamedIDs(item.m_strOption);
-    m_lstItems.append(item);
-    showAddedStep(m_lstItems.size() - 1);
 }
 
 void TaskInfo::reserveNamedIDs(const QString& text)

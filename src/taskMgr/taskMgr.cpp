@@ -2,6 +2,8 @@
 
 #include "arithm/arithmFactory.h"
 #include "taskMgr/projectText.h"
+#include "taskMgr/taskTags.h"
+#include "taskMgr/taskText.h"
 #include "threadGuards.h"
 
 #include <QCoreApplication>
@@ -110,19 +112,40 @@ void TaskMgr::clear()
 QString TaskMgr::toString() const
 {
     QString text;
-    for (TaskInfo* task : m_mapTasks)
-        text += QLatin1String("<=TaskInfo=>\n") + task->toString() + QLatin1String("\n</=TaskInfo=>\n");
+    appendTo(text, [] {});
     return text;
+}
+
+QByteArray TaskMgr::toSavedText() const
+{
+    ProjectText::Saved saved;
+    appendTo(saved.text(), [&saved] { saved.keepShort(); });
+    return saved.finish();
+}
+
+void TaskMgr::appendTo(QString& text, const std::function<void()>& afterStep) const
+{
+    const TaskTags::Tag& tag = TaskTags::get().m_cTask;
+    for (TaskInfo* task : m_mapTasks) {
+        text += tag.m_strOpen;
+        text += QLatin1Char('\n');
+        task->appendTo(text, afterStep);
+        text += QLatin1Char('\n');
+        text += tag.m_strClose;
+        text += QLatin1Char('\n');
+    }
 }
 
 void TaskMgr::fromString(QString text)
 {
     clear();
-    ElementReader tasks(ProjectText::upToNul(text), QStringLiteral("<=TaskInfo=>"), QStringLiteral("</=TaskInfo=>"));
+    const TaskTags::Tag& tag = TaskTags::get().m_cTask;
+    const QString read = ProjectText::upToNul(text);
+    ElementReader tasks(read, tag.m_strOpen, tag.m_strClose);
     int id = 0;
-    for (QString body = tasks.next(); !body.isEmpty(); body = tasks.next()) {
+    for (QStringView body = tasks.next(); !body.isEmpty(); body = tasks.next()) {
         auto task = std::make_unique<TaskInfo>(QString(), m_pfnMessage);
-        task->fromString(body);
+        task->load(TaskText::read(body));
         addTask(task.release(), id++);
     }
 }

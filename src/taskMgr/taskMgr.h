@@ -2,12 +2,14 @@
 
 #include "taskMgr/taskInfo.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QMap>
 #include <QMutex>
 #include <QString>
 
 #include <atomic>
+#include <functional>
 
 /**
  * The registry of all tasks of the open project; owns them.
@@ -34,8 +36,9 @@ public:
     int getTaskNum() const;           ///< Number of ids, not one above the largest.
     void clear();
 
-    QString toString() const;       ///< The project text.
-    void fromString(QString text);  ///< Replaces all tasks with those of a project text.
+    QString toString() const;        ///< The project text.
+    QByteArray toSavedText() const;  ///< The bytes of its file: toString without empty lines, in UTF-8.
+    void fromString(QString text);   ///< Replaces all tasks with those of a project text.
 
     /// Once the libraries of the sources are loaded: deleteThis runs before they go, however the program ends.
     static void stopBeforeSourcesGo();
@@ -44,6 +47,7 @@ public:
     static QMutex s_cMtxForIns;  ///< Guards creation and destruction of the instance.
 
 private:
+    void appendTo(QString& text, const std::function<void()>& afterStep) const;
     TaskMgr();
     ~TaskMgr();
 

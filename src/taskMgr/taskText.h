@@ -1,0 +1,28 @@
+#pragma once
+
+#include "taskMgr/taskItem.h"
+
+#include <QList>
+#include <QString>
+#include <QStringView>
+
+/// What the text of one task says.
+struct TaskText
+{
+    QString m_strName;
+    int m_nKernel = 0;
+    int m_nView = 0;
+    QString m_strDataSource;  ///< Configuration text; empty when the task has no source.
+    QList<TaskItem> m_lstSteps;
+
+    /**
+     * Reads the body of a task element; never fails: what is missing stays empty or zero.
+     *
+     * A text laid out as the program writes it is read in one pass, any other by taking its elements off it one by one;
+     * both give the same for the same text. Linear in the length of the text.
+     */
+    static TaskText read(QStringView body);
+
+    /// The second way alone: the definition of what read gives.
+    static TaskText readByElements(QString body);
+};

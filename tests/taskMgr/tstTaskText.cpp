@@ -1,0 +1,181 @@
+#include "taskMgr/projectText.h"
+#include "taskMgr/taskMgr.h"
+#include "taskMgr/taskText.h"
+
+#include <QtTest>
+
+#include <algorithm>
+#include <random>
+
+namespace {
+
+/// All that a task text says, in one comparable list.
+QStringList contents(const TaskText& task)
+{
+    QStringList list = {task.m_strName, QString::number(task.m_nKernel), QString::number(task.m_nView),
+                        task.m_strDataSource};
+    for (const TaskItem& item : task.m_lstSteps)
+        list += {QString::number(item.m_nMaxExeTimes),
+                 QString::number(item.m_nExeTimes),
+                 item.m_strArithmID,
+                 item.m_strOption,
+                 item.m_strClassName,
+                 item.m_strArithmName,
+                 item.m_strDescribe};
+    return list;
+}
+
+const char* const Head = "<-TaskName->t</-TaskName->\n<-Kernel->2</-Kernel->\n<-View->1</-View->\n";
+const char* const Source = "<-DataSource->\n<DSName>x</DSName>\n</-DataSource->\n";
+const char* const Step =
+    "<-TaskItem->\n<-MaxExeTimes->3</-MaxExeTimes->\n<-ArithmID->id</-ArithmID->\n<-OptionStr->\n<ID>7</ID>\n"
+    "</-OptionStr->\n<-ClassName->c</-ClassName->\n<-ArithmName->n</-ArithmName->\n<-Describe->d</-Describe->\n"
+    "</-TaskItem->\n";
+
+/// Puts one of many disturbances somewhere into a text.
+class Disturber
+{
+public:
+    void disturb(QString& text)
+    {
+        const int place = below(text.size());
+        switch (below(5)) {
+        case 0:
+            text.insert(place, m_lstStray.at(below(m_lstStray.size())));
+            break;
+        case 1:
+            text.remove(place, 1 + below(30));
+            break;
+        case 2:
+            text[place] = text.at(place).toUpper();
+            break;
+        case 3:
+            text.insert(place, text.mid(below(text.size()), below(80)));
+            break;
+        default:
+            text.truncate(place);
+            break;
+        }
+    }
+    int below(int limit) { return limit < 1 ? 0 : static_cast<int>(m_cRandom() % static_cast<unsigned>(limit)); }
+
+private:
+    std::mt19937 m_cRandom{7};
+    const QStringList m_lstStray = {QStringLiteral("<-TaskItem->"),
+                                    QStringLiteral("</-TaskItem->"),
+                                    QStringLiteral("<-taskname->"),
+                                    QStringLiteral("</-OPTIONSTR->"),
+                                    QStringLiteral("<-MaxExeTimes->"),
+                                    QStringLiteral("</-View->"),
+                                    QStringLiteral("<-DataSource->a</-DataSource->"),
+                                    QStringLiteral("<-Tas"),
+                                    QStringLiteral("</-"),
+                                    QStringLiteral("<-"),
+                                    QStringLiteral("/-"),
+                                    QStringLiteral("\t"),
+                                    QStringLiteral(" \r\n"),
+                                    QStringLiteral("中文"),
+                                    QStringLiteral("-1"),
+                                    QChar(0x212a)};
+};
+
+}  // namespace
+
+class tstTaskText : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyFieldOfALaidOutTaskIsRead();
+    void disturbedTextsReadAsElementByElement();
+    void missingSourceIsNotTakenFromAnOption();
+    void equalTextsOfNeighbouringStepsShareTheirMemory();
+    void savedTextIsTheWholeTextWithoutEmptyLines();
+    void savedTextCollapsesLineEndsAcrossItsPieces();
+};
+
+void tstTaskText::everyFieldOfALaidOutTaskIsRead()
+{
+    const QString text = QLatin1String(Head) + QLatin1String(Source) + QLatin1String(Step) + QLatin1String(Step);
+    const QStringList step = {"3", "0", "id", "\n<ID>7</ID>\n", "c", "n", "d"};
+
+    QCOMPARE(contents(TaskText::read(text)), QStringList({"t", "2", "1", "\n<DSName>x</DSName>\n"}) + step + step);
+    QCOMPARE(contents(TaskText::readByElements(text)), contents(TaskText::read(text)));
+}
+
+void tstTaskText::disturbedTextsReadAsElementByElement()
+{
+    Disturber random;
+    for (int round = 0; round < 20000; ++round) {
+        QString text = QLatin1String(Head);
+        if (random.below(2))
+            text += QLatin1String(Source);
+        text += QString::fromLatin1(Step).repeated(random.below(4));
+        for (int i = random.below(4); i > 0 && !text.isEmpty(); --i)
+            random.disturb(text);
+        if (contents(TaskText::read(text)) != contents(TaskText::readByElements(text)))
+            QFAIL(qPrintable(text));
+    }
+}
+
+// The first element of that name is the task's, wherever it stands.
+void tstTaskText::missingSourceIsNotTakenFromAnOption()
+{
+    QString text = QLatin1String(Head) + QLatin1String(Step);
+    text.replace(QStringLiteral("<ID>7</ID>"), QStringLiteral("<-DataSource->s</-DataSource->"));
+
+    const TaskText task = TaskText::read(text);
+
+    QCOMPARE(task.m_strDataSource, QStringLiteral("s"));
+    QCOMPARE(task.m_lstSteps.first().m_strOption, QStringLiteral("\n\n"));
+}
+
+void tstTaskText::equalTextsOfNeighbouringStepsShareTheirMemory()
+{
+    const TaskText task = TaskText::read(QString(QLatin1String(Head) + QLatin1String(Step) + QLatin1String(Step)));
+
+    QCOMPARE(task.m_lstSteps.size(), 2);
+    QCOMPARE(task.m_lstSteps.at(0).m_strArithmID.constData(), task.m_lstSteps.at(1).m_strArithmID.constData());
+}
+
+void tstTaskText::savedTextIsTheWholeTextWithoutEmptyLines()
+{
+    TaskMgr* const tasks = TaskMgr::getInstance();
+    QString project;
+    for (int task = 0; task < 3; ++task)
+        project += QLatin1String("<=TaskInfo=>\n") + QLatin1String(Head) +
+                   QString::fromLatin1(Step)
+                       .replace(QLatin1Char('7'), QStringLiteral("7\n\n中\r\n\r\n\r\n文\n\n"))
+                       .repeated(400) +
+                   QLatin1String("</=TaskInfo=>\n");
+    tasks->fromString(project);
+    QVERIFY(tasks->toString().contains(QLatin1String("\n\n")));
+
+    const QByteArray saved = tasks->toSavedText();
+
+    QVERIFY(saved.size() > 200 * 1024);
+    QVERIFY(saved == ProjectText::collapseEmptyLines(tasks->toString()).toUtf8());
+    tasks->clear();
+    QCOMPARE(tasks->toSavedText(), QByteArray());
+}
+
+void tstTaskText::savedTextCollapsesLineEndsAcrossItsPieces()
+{
+    ProjectText::Saved saved;
+    QString whole;
+    const QStringList ends = {QStringLiteral("\r\n\r"), QStringLiteral("\n\r\n\r\n"), QStringLiteral("\r\r"),
+                              QStringLiteral("x\n"),    QStringLiteral("\n"),         QStringLiteral("\r\n")};
+    for (int piece = 0; piece < 36; ++piece) {
+        const QString text =
+            ends.at(piece % 6) + QString(piece % 4 == 0 ? 0 : 40000, QLatin1Char('y')) + ends.at(piece / 6);
+        whole += text;
+        saved.text() += text;
+        saved.keepShort();
+        QVERIFY(saved.text().size() < 40010);
+    }
+
+    QVERIFY(saved.finish() == ProjectText::collapseEmptyLines(whole).toUtf8());
+}
+
+QTEST_GUILESS_MAIN(tstTaskText)
+#include "tstTaskText.moc"
