@@ -139,8 +139,8 @@ void MainWindow::on_btnStartAll_clicked()
 
 void MainWindow::on_btnStopAll_clicked()
 {
-    forEachTask([](TaskInfo& task) {
-        if (task.IsRunning())
-            task.RunClicked();
-    });
+    // Together they take one pass, not the sum of all, for which the window would not answer.
+    QList<TaskInfo*> tasks;
+    forEachTask([&tasks](TaskInfo& task) { tasks.append(&task); });
+    TaskInfo::stopTasks(tasks);
 }

@@ -106,6 +106,10 @@ public:
     void startTask();
     void stopTask();     ///< Waits, without limit, for the pass in progress.
     void requestStop();  ///< Asks a running task to end after its pass; does not wait.
+
+    /// Stops those of the tasks that run, together: all are asked before the first is waited for.
+    static void stopTasks(const QList<TaskInfo*>& tasks);
+
     static void* threadTaskFunc(void* task);
 
 Q_SIGNALS:
@@ -161,6 +165,7 @@ private:
     bool runUntilStopped(QString& message);  ///< The whole run; true when it ended on request.
     void markBegun();
     void markEnded();
+    void waitUntilStopped();
     void waitUntilThreadIsGone();
     long long takeReportedRun();  ///< The run whose report has arrived.
     long long currentRun() const;

@@ -133,8 +133,27 @@ void TaskInfo::requestStop()
 
 void TaskInfo::stopTask()
 {
-    if (!m_bRunning.load())
-        return;
+    if (m_bRunning.load())
+        waitUntilStopped();
+}
+
+void TaskInfo::stopTasks(const QList<TaskInfo*>& tasks)
+{
+    QList<TaskInfo*> running;
+    for (TaskInfo* task : tasks) {
+        if (task->IsRunning())
+            running.append(task);
+    }
+    for (TaskInfo* task : qAsConst(running))
+        task->requestStop();
+    // A thread may have ended by now; as it was asked to, only this here returns its tab to idle.
+    for (TaskInfo* task : qAsConst(running))
+        task->waitUntilStopped();
+}
+
+/// For a task that ran a moment ago.
+void TaskInfo::waitUntilStopped()
+{
     m_bStopRequested.store(true);
     {
         std::unique_lock<std::mutex> lock(m_pcRunState->m_cMutex);

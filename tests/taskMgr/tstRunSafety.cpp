@@ -53,6 +53,7 @@ private Q_SLOTS:
     void tasksSharingAnAlgorithmNeverMixTheirResults();
     void optionsOfADeletedTaskLeaveEveryView();
     void stoppingAllTasksTogetherTakesOnePass();
+    void tasksStoppedTogetherAreAllAskedBeforeOneIsWaitedForAndReturnToIdle();
 };
 
 void tstRunSafety::initTestCase()
@@ -364,6 +365,38 @@ void tstRunSafety::stoppingAllTasksTogetherTakesOnePass()
 
     // None began one pass after the other while others were waited for.
     QVERIFY(PluginFolders::algorithmCalls(s_strSlow, "execute") <= before + TaskNum);
+}
+
+void tstRunSafety::tasksStoppedTogetherAreAllAskedBeforeOneIsWaitedForAndReturnToIdle()
+{
+    auto held = makeTask({step("gate")});
+    auto quick = makeTask({step("a")}, Paced);
+    auto idle = makeTask({step("b")}, Paced);
+    const Tab heldTab(*held);
+    const Tab quickTab(*quick);
+    held->startTask();
+    quick->startTask();
+    QTRY_COMPARE(Probes::atGate(), 1);
+    // The task that is waited for goes on only once the one behind it has ended.
+    bool quickEnded = false;
+    std::thread opener([&quick, &quickEnded] {
+        quickEnded = waitWithoutEvents([&quick] { return !quick->IsRunning(); });
+        Probes::openGate();
+    });
+
+    TaskInfo::stopTasks({held.get(), quick.get(), idle.get()});
+
+    opener.join();
+    QVERIFY(quickEnded);
+    for (TaskInfo* const task : {held.get(), quick.get(), idle.get()})
+        QVERIFY(!task->IsRunning());
+    for (const Tab* const tab : {&heldTab, &quickTab}) {
+        QVERIFY(tab->allEnabled());
+        QCOMPARE(tab->m_cRun.text(), QString::fromUtf8(StartText));
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(Reports::messages(), QStringList());
+    QCOMPARE(Probes::traceCount("b"), 0);
 }
 
 QTEST_MAIN(tstRunSafety)
