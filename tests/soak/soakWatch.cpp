@@ -1,0 +1,167 @@
+#include "soakWatch.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <execinfo.h>
+#include <malloc.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+qint64 nowMs()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+QByteArray fileText(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().simplified() : QByteArray();
+}
+
+QStringList threads()
+{
+    return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+}
+
+void printCallers(int)
+{
+    constexpr int Most = 40;
+    void* callers[Most];
+    backtrace_symbols_fd(callers, backtrace(callers, Most), STDERR_FILENO);
+}
+
+void printThreads()
+{
+    std::signal(SIGUSR2, printCallers);
+    for (const QString& id : threads()) {
+        const QString folder = QStringLiteral("/proc/self/task/") + id;
+        std::fprintf(stderr, "thread %s \"%s\" waits in %s\n", qPrintable(id),
+                     fileText(folder + QStringLiteral("/comm")).constData(),
+                     fileText(folder + QStringLiteral("/wchan")).constData());
+        syscall(SYS_tgkill, getpid(), id.toInt(), SIGUSR2);
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));  // so that what they print does not mix
+    }
+}
+
+double meanOf(const QVector<SoakSample>& samples, int begin, int end, qint64 SoakSample::*value)
+{
+    double sum = 0;
+    for (int i = begin; i < end; ++i)
+        sum += static_cast<double>(samples.at(i).*value);
+    return sum / (end - begin);
+}
+
+}  // namespace
+
+// ---- SoakSample -----------------------------------------------------------------------------------------------------
+
+SoakSample SoakSample::take()
+{
+    malloc_trim(0);
+    SoakSample sample;
+    const QList<QByteArray> pages = fileText(QStringLiteral("/proc/self/statm")).split(' ');
+    sample.m_nResident = pages.value(1).toLongLong() * sysconf(_SC_PAGESIZE);
+    const struct mallinfo2 info = mallinfo2();
+    sample.m_nAllocated = static_cast<qint64>(info.uordblks + info.hblkhd);
+    sample.m_nThreads = threadNum();
+    sample.m_nFiles = QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
+    return sample;
+}
+
+int SoakSample::threadNum()
+{
+    return threads().size();
+}
+
+QString SoakSample::toString() const
+{
+    return QStringLiteral("%1 KiB resident, %2 KiB allocated, %3 threads, %4 files")
+        .arg(m_nResident / 1024)
+        .arg(m_nAllocated / 1024)
+        .arg(m_nThreads)
+        .arg(m_nFiles);
+}
+
+// ---- SoakGrowth -----------------------------------------------------------------------------------------------------
+
+int SoakGrowth::warmUp() const
+{
+    return std::min(m_vecSamples.size(), std::max(2, m_vecSamples.size() / 4));
+}
+
+QString SoakGrowth::problem() const
+{
+    constexpr double MostAllocated = 1024.0 * 1024.0;
+    constexpr double MostResident = 12.0 * 1024.0 * 1024.0;
+    const int begin = warmUp();
+    int mostThreads = 0;
+    int mostFiles = 0;
+    for (int i = 0; i < begin; ++i) {
+        mostThreads = std::max(mostThreads, m_vecSamples.at(i).m_nThreads);
+        mostFiles = std::max(mostFiles, m_vecSamples.at(i).m_nFiles);
+    }
+    for (int i = begin; i < m_vecSamples.size(); ++i) {
+        if (m_vecSamples.at(i).m_nThreads > mostThreads || m_vecSamples.at(i).m_nFiles > mostFiles)
+            return QStringLiteral("threads or open files grew: ") + m_vecSamples.at(i).toString();
+    }
+    const int third = (m_vecSamples.size() - begin) / 3;
+    if (third == 0 || m_vecSamples.last().m_nAllocated == 0)
+        return {};
+    const int end = m_vecSamples.size();
+    for (const auto& [value, most] :
+         {std::pair(&SoakSample::m_nAllocated, MostAllocated), std::pair(&SoakSample::m_nResident, MostResident)}) {
+        const double grown =
+            meanOf(m_vecSamples, end - third, end, value) - meanOf(m_vecSamples, begin, begin + third, value);
+        if (grown > most)
+            return QStringLiteral("memory grew by %1 KiB: ").arg(grown / 1024) + m_vecSamples.last().toString();
+    }
+    return {};
+}
+
+// ---- SoakWatchdog ---------------------------------------------------------------------------------------------------
+
+SoakWatchdog::SoakWatchdog(int limitMs) : m_nLimitMs(limitMs), m_nLastMs(nowMs()), m_cThread([this] { watch(); })
+{
+    void* callers[1];
+    backtrace(callers, 1);  // loads what a signal handler must not
+}
+
+SoakWatchdog::~SoakWatchdog()
+{
+    m_bEnd = true;
+    m_cThread.join();
+}
+
+void SoakWatchdog::windowIsBack(const char* next)
+{
+    const qint64 now = nowMs();
+    const auto away = static_cast<int>(now - m_nLastMs.exchange(now));
+    const char* const done = m_pchDoing.exchange(next);
+    if (away <= m_nLongestMs)
+        return;
+    m_nLongestMs = away;
+    m_pchLongestIn = done;
+}
+
+void SoakWatchdog::watch()
+{
+    pthread_setname_np(pthread_self(), "watchdog");
+    while (!m_bEnd) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        if (nowMs() - m_nLastMs < m_nLimitMs)
+            continue;
+        std::fprintf(stderr, "soak: the window has not come back for %d ms, from: %s\n", m_nLimitMs, m_pchDoing.load());
+        printThreads();
+        _exit(3);
+    }
+}
