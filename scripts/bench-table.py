@@ -21,6 +21,22 @@ def shown(value):
     return f"{value:.3g} ns"
 
 
+def beside(time, name, ours, peer, limit):
+    """A row with a goal beside a peer; nothing where the peer is not installed."""
+    if peer in time:
+        yield name, time[ours], time[peer], f"at most {limit}", time[ours] / time[peer] <= limit
+
+
+def pixel_rows(time):
+    for name, ours in (("in place", "exchangeInPlace"), ("while copying", "exchangeCopying")):
+        yield from beside(time, f"exchange of blue and red {name} / copy", ours, "copyColour", 1)
+        yield from beside(time, f"exchange of blue and red {name} / OpenCV", ours, "exchangeByOpenCv/0", 1)
+    for kind, name in enumerate(("any colours", "pure greys")):
+        yield from beside(time, f"grey of full HD, {name} / double loop", f"greyOfRgb/{kind}", f"greyByDoubles/{kind}", 1)
+        yield from beside(time, f"grey of full HD, {name} / OpenCV", f"greyOfRgb/{kind}", f"greyByOpenCv/{kind}", 1)
+    yield from beside(time, "grey to three bytes / OpenCV", "rgbOfGrey", "rgbOfGreyByOpenCv/0", 1)
+
+
 def rows(time, window):
     step = (time["pass/51/20"] - time["pass/1/20"]) / 50
     long_step = (time["pass/51/200"] - time["pass/1/20"]) / 50
@@ -40,9 +56,7 @@ def rows(time, window):
     copy = time["canvasCopy"]
     yield "full HD colour onto 960x540 / canvas copy", time["drawPicture/0"], copy, "-", None
     yield "full HD grey onto 960x540 / canvas copy", time["drawPicture/1"], copy, "-", None
-    for kind, name in enumerate(("any colours", "pure greys")):
-        yield f"grey of full HD, {name} / double loop", time[f"greyOfRgb/{kind}"], time[f"greyByDoubles/{kind}"], \
-            "below 1", time[f"greyOfRgb/{kind}"] < time[f"greyByDoubles/{kind}"]
+    yield from pixel_rows(time)
     for number, name in enumerate(("memory disk", "drawing", "saving", "loading")):
         parts = time[f"prepareConfig/{number}"] + time[f"showConfig/{number}"]
         opened = time[f"openConfig/{number}"]

@@ -24,4 +24,4 @@ HEADLESS_PACKAGES=(xvfb xauth xdotool imagemagick x11-utils)
 TEST_PACKAGES=(git clang-format-14)
 
 # To measure speed.
-BENCH_PACKAGES=(libbenchmark-dev)
+BENCH_PACKAGES=(libbenchmark-dev libopencv-imgcodecs-dev)

@@ -1,6 +1,198 @@
+// Thirty-two pixels at a time: each half of a register holds what the sixteen-pixel form does. Compiled without
+// contraction of floating point (see CMakeLists.txt).
+#include "pixels/greyForm.h"
 #include "pixels/kernels.h"
+
+#if defined(__x86_64__)
+
+#include <immintrin.h>
+
+#define AVX2 __attribute__((target("avx2")))
+#define AVX2_INLINE __attribute__((target("avx2"), always_inline)) inline
+
+namespace {
+
+using namespace GreyForm;
+
+constexpr std::size_t Step = 32;  // pixels
+constexpr std::size_t Half = 16;
+constexpr char Z = -1;  // as an index of a shuffle: gives a zero byte
+
+AVX2_INLINE __m256i halves(const unsigned char* lower, const unsigned char* upper)
+{
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(lower))),
+                                   _mm_loadu_si128(reinterpret_cast<const __m128i*>(upper)), 1);
+}
+
+AVX2_INLINE void store(unsigned char* bytes, __m256i value)
+{
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), value);
+}
+
+AVX2 void rgbOfGrey(const unsigned char* grey, unsigned char* rgb, std::size_t count)
+{
+    const __m128i first = _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5);
+    const __m128i second = _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10);
+    const __m128i third = _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15);
+    const __m256i firstSecond = _mm256_set_m128i(second, first);
+    const __m256i thirdFirst = _mm256_set_m128i(first, third);
+    const __m256i secondThird = _mm256_set_m128i(third, second);
+    for (; count >= Step; count -= Step, grey += Step, rgb += 3 * Step) {
+        store(rgb, _mm256_shuffle_epi8(halves(grey, grey), firstSecond));
+        store(rgb + 32, _mm256_shuffle_epi8(halves(grey, grey + Half), thirdFirst));
+        store(rgb + 64, _mm256_shuffle_epi8(halves(grey + Half, grey + Half), secondThird));
+    }
+    PixelKernels::plain().m_pfnRgbOfGrey(grey, rgb, count);
+}
+
+/// Four pixels of three bytes in each half, from byte First of the half on.
+template <int First>
+struct FourRgb
+{
+    static constexpr char F = First;
+
+    static AVX2_INLINE __m256i sums(__m256i pixels)
+    {
+        const __m128i pairing =
+            _mm_setr_epi8(F, Z, F + 1, Z, F + 3, Z, F + 4, Z, F + 6, Z, F + 7, Z, F + 9, Z, F + 10, Z);
+        const __m256i pairs = _mm256_shuffle_epi8(pixels, _mm256_set_m128i(pairing, pairing));
+        return _mm256_add_epi32(_mm256_madd_epi16(pairs, _mm256_set1_epi32(Integer1 * 65536 + Integer0)),
+                                _mm256_madd_epi16(bytes<2>(pixels), _mm256_set1_epi32(Integer2)));
+    }
+
+    /// All bits of each pixel whose bytes are equal.
+    static AVX2_INLINE __m256i pure(__m256i pixels)
+    {
+        const __m256i s0 = bytes<0>(pixels);
+        return _mm256_and_si256(_mm256_cmpeq_epi32(s0, bytes<1>(pixels)), _mm256_cmpeq_epi32(s0, bytes<2>(pixels)));
+    }
+
+private:
+    /// Byte s0, s1 or s2 of each pixel.
+    template <int Which>
+    static AVX2_INLINE __m256i bytes(__m256i pixels)
+    {
+        constexpr char W = First + Which;
+        const __m128i places = _mm_setr_epi8(W, Z, Z, Z, W + 3, Z, Z, Z, W + 6, Z, Z, Z, W + 9, Z, Z, Z);
+        return _mm256_shuffle_epi8(pixels, _mm256_set_m128i(places, places));
+    }
+};
+
+/// Four pixels of four bytes in each half.
+struct FourBgrx
+{
+    static AVX2_INLINE __m256i sums(__m256i pixels)
+    {
+        const __m256i blueRed = _mm256_and_si256(pixels, _mm256_set1_epi32(0x00FF00FF));
+        const __m256i green = _mm256_srli_epi16(pixels, 8);  // the ignored byte beside it
+        return _mm256_add_epi32(_mm256_madd_epi16(blueRed, _mm256_set1_epi32(Integer0 * 65536 + Integer2)),
+                                _mm256_madd_epi16(green, _mm256_set1_epi32(Integer1)));
+    }
+
+    static AVX2_INLINE __m256i pure(__m256i pixels)
+    {
+        const __m256i neighbours = _mm256_xor_si256(pixels, _mm256_srli_epi32(pixels, 8));
+        return _mm256_cmpeq_epi32(_mm256_and_si256(neighbours, _mm256_set1_epi32(0xFFFF)), _mm256_setzero_si256());
+    }
+};
+
+/// Eight thousandths in each half; multiples gets all bits of each word whose sum is a multiple of 1000.
+AVX2_INLINE __m256i thousandths(__m256i sums0, __m256i sums1, __m256i& multiples)
+{
+    const __m256i eighths = _mm256_packs_epi32(_mm256_srli_epi32(sums0, 3), _mm256_srli_epi32(sums1, 3));
+    const __m256i factor = _mm256_set1_epi16(static_cast<short>(ThousandthFactor));
+    const __m256i values = _mm256_srli_epi16(_mm256_mulhi_epu16(eighths, factor), ThousandthShift - 16);
+    // A sum and 1000 times its thousandth differ by less than 1000: they are equal when their low words are.
+    const __m256i lowWord = _mm256_set1_epi32(0xFFFF);
+    const __m256i lowWords = _mm256_packus_epi32(_mm256_and_si256(sums0, lowWord), _mm256_and_si256(sums1, lowWord));
+    multiples = _mm256_cmpeq_epi16(_mm256_mullo_epi16(values, _mm256_set1_epi16(1000)), lowWords);
+    return values;
+}
+
+/// All bits of each byte that is a pure grey whose result is one less.
+AVX2_INLINE __m256i belowOf(__m256i values)
+{
+    static constexpr std::array<unsigned char, 32> Bits = pureGreysBelow();
+    const __m256i row = _mm256_and_si256(_mm256_srli_epi16(values, 3), _mm256_set1_epi8(31));
+    const __m256i isUpper = _mm256_cmpgt_epi8(row, _mm256_set1_epi8(15));
+    const __m256i bits =
+        _mm256_blendv_epi8(_mm256_shuffle_epi8(halves(Bits.data(), Bits.data()), row),
+                           _mm256_shuffle_epi8(halves(Bits.data() + 16, Bits.data() + 16), row), isUpper);
+    constexpr char Highest = -128;
+    const __m128i powers = _mm_setr_epi8(1, 2, 4, 8, 16, 32, 64, Highest, 0, 0, 0, 0, 0, 0, 0, 0);
+    const __m256i bit =
+        _mm256_shuffle_epi8(_mm256_set_m128i(powers, powers), _mm256_and_si256(values, _mm256_set1_epi8(7)));
+    return _mm256_cmpeq_epi8(_mm256_and_si256(bits, bit), bit);
+}
+
+/// Thirty-two grey values; false when some of them need the double form. Last is the form of the last four pixels.
+template <typename Four, typename Last>
+AVX2_INLINE bool greyOf(__m256i a, __m256i b, __m256i c, __m256i d, unsigned char* grey)
+{
+    __m256i multiples0;
+    __m256i multiples1;
+    const __m256i values0 = thousandths(Four::sums(a), Four::sums(b), multiples0);
+    const __m256i values1 = thousandths(Four::sums(c), Last::sums(d), multiples1);
+    const __m256i values = _mm256_packus_epi16(values0, values1);
+    const __m256i multiples = _mm256_packs_epi16(multiples0, multiples1);
+    if (__builtin_expect(_mm256_testz_si256(multiples, multiples), 1)) {
+        store(grey, values);
+        return true;
+    }
+    const __m256i pure = _mm256_packs_epi16(_mm256_packs_epi32(Four::pure(a), Four::pure(b)),
+                                            _mm256_packs_epi32(Four::pure(c), Last::pure(d)));
+    if (!_mm256_testc_si256(pure, multiples))
+        return false;
+    store(grey, _mm256_add_epi8(values, _mm256_and_si256(belowOf(values), multiples)));
+    return true;
+}
+
+AVX2 void greyOfRgb(const unsigned char* rgb, unsigned char* grey, std::size_t count)
+{
+    const PixelKernels::Operation exact = PixelKernels::ssse3()->m_pfnGreyOfRgb;
+    const auto from = [&](std::size_t byte) __attribute__((always_inline, target("avx2")))
+    {
+        return halves(rgb + byte, rgb + 3 * Half + byte);
+    };
+    for (; count >= Step; count -= Step, rgb += 3 * Step, grey += Step) {
+        // The last register ends with the sixteenth pixel: its pixels start at its byte 4.
+        if (!greyOf<FourRgb<0>, FourRgb<4>>(from(0), from(12), from(24), from(32), grey))
+            exact(rgb, grey, Step);
+    }
+    exact(rgb, grey, count);
+}
+
+AVX2 void greyOfBgrx(const unsigned char* bgrx, unsigned char* grey, std::size_t count)
+{
+    const PixelKernels::Operation exact = PixelKernels::ssse3()->m_pfnGreyOfBgrx;
+    const auto from = [&](std::size_t byte) __attribute__((always_inline, target("avx2")))
+    {
+        return halves(bgrx + byte, bgrx + 4 * Half + byte);
+    };
+    for (; count >= Step; count -= Step, bgrx += 4 * Step, grey += Step) {
+        if (!greyOf<FourBgrx, FourBgrx>(from(0), from(16), from(32), from(48), grey))
+            exact(bgrx, grey, Step);
+    }
+    exact(bgrx, grey, count);
+}
+
+}  // namespace
+
+const PixelKernels* PixelKernels::avx2()
+{
+    if (!__builtin_cpu_supports("avx2") || !ssse3())
+        return nullptr;
+    // Exchange and dropping of the fourth byte wait for memory already.
+    static const PixelKernels kernels{"avx2",     ssse3()->m_pfnExchange,  greyOfRgb,
+                                      greyOfBgrx, ssse3()->m_pfnRgbOfBgrx, rgbOfGrey};
+    return &kernels;
+}
+
+#else
 
 const PixelKernels* PixelKernels::avx2()
 {
     return nullptr;
 }
+
+#endif

@@ -1,0 +1,142 @@
+// What do the operations on pixels cost, beside a plain copy, the plain form that defines them, and OpenCV's own?
+#include "pixels/pixels.h"
+
+#include <benchmark/benchmark.h>
+
+#ifdef LUMIVANT_BENCH_OPENCV
+#include <opencv2/imgproc.hpp>
+#endif
+
+#include <cstring>
+#include <random>
+#include <vector>
+
+namespace {
+
+constexpr int Width = 1920;
+constexpr int Height = 1080;
+constexpr std::size_t PixelNum = std::size_t{Width} * Height;
+using Bytes = std::vector<unsigned char>;
+
+/// Argument 0: every colour alike; 1: pure greys only, the colours that need the second look.
+Bytes pixels(std::int64_t kind)
+{
+    std::mt19937 random(1);
+    Bytes rgb(3 * PixelNum);
+    for (std::size_t i = 0; i < rgb.size(); ++i)
+        rgb[i] = kind == 1 && i % 3 != 0 ? rgb[i - 1] : static_cast<unsigned char>(random());
+    return rgb;
+}
+
+// ---- Exchange of first and third byte -------------------------------------------------------------------------------
+
+void copyColour(benchmark::State& state)
+{
+    const Bytes rgb = pixels(0);
+    Bytes target(rgb.size());
+    for (auto _ : state) {
+        std::memcpy(target.data(), rgb.data(), rgb.size());
+        benchmark::ClobberMemory();
+    }
+}
+
+void exchangeInPlace(benchmark::State& state)
+{
+    Bytes rgb = pixels(0);
+    for (auto _ : state) {
+        Pixels::exchangeFirstAndThird(rgb.data(), rgb.data(), PixelNum);
+        benchmark::ClobberMemory();
+    }
+}
+
+void exchangeCopying(benchmark::State& state)
+{
+    const Bytes rgb = pixels(0);
+    Bytes target(rgb.size());
+    for (auto _ : state) {
+        Pixels::exchangeFirstAndThird(rgb.data(), target.data(), PixelNum);
+        benchmark::ClobberMemory();
+    }
+}
+
+// ---- Grey -----------------------------------------------------------------------------------------------------------
+
+void greyByDoubles(benchmark::State& state)
+{
+    const Bytes rgb = pixels(state.range(0));
+    Bytes grey(PixelNum);
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < PixelNum; ++i) {
+            const unsigned char* s = &rgb[3 * i];
+            grey[i] = static_cast<unsigned char>(static_cast<int>(0.587 * s[1] + 0.299 * s[2] + 0.114 * s[0]));
+        }
+        benchmark::ClobberMemory();
+    }
+}
+
+void greyOfRgb(benchmark::State& state)
+{
+    const Bytes rgb = pixels(state.range(0));
+    Bytes grey(PixelNum);
+    for (auto _ : state) {
+        Pixels::greyOfRgb(rgb.data(), grey.data(), PixelNum);
+        benchmark::ClobberMemory();
+    }
+}
+
+void rgbOfGrey(benchmark::State& state)
+{
+    const Bytes grey(PixelNum, 77);
+    Bytes rgb(3 * PixelNum);
+    for (auto _ : state) {
+        Pixels::rgbOfGrey(grey.data(), rgb.data(), PixelNum);
+        benchmark::ClobberMemory();
+    }
+}
+
+BENCHMARK(copyColour);
+BENCHMARK(exchangeInPlace);
+BENCHMARK(exchangeCopying);
+BENCHMARK(greyByDoubles)->Arg(0)->Arg(1);
+BENCHMARK(greyOfRgb)->Arg(0)->Arg(1);
+BENCHMARK(rgbOfGrey);
+
+// ---- OpenCV ---------------------------------------------------------------------------------------------------------
+
+#ifdef LUMIVANT_BENCH_OPENCV
+
+/// On one thread, as ours.
+void convertByOpenCv(benchmark::State& state, int code, int sourceType, int targetType)
+{
+    cv::setNumThreads(1);
+    Bytes bytes = pixels(state.range(0));
+    const cv::Mat source(Height, Width, sourceType, bytes.data());
+    cv::Mat target(Height, Width, targetType);
+    for (auto _ : state) {
+        cv::cvtColor(source, target, code);
+        benchmark::ClobberMemory();
+    }
+}
+
+void exchangeByOpenCv(benchmark::State& state)
+{
+    convertByOpenCv(state, cv::COLOR_BGR2RGB, CV_8UC3, CV_8UC3);
+}
+
+void greyByOpenCv(benchmark::State& state)
+{
+    convertByOpenCv(state, cv::COLOR_BGR2GRAY, CV_8UC3, CV_8UC1);
+}
+
+void rgbOfGreyByOpenCv(benchmark::State& state)
+{
+    convertByOpenCv(state, cv::COLOR_GRAY2BGR, CV_8UC1, CV_8UC3);
+}
+
+BENCHMARK(exchangeByOpenCv)->Arg(0);
+BENCHMARK(greyByOpenCv)->Arg(0)->Arg(1);
+BENCHMARK(rgbOfGreyByOpenCv)->Arg(0);
+
+#endif
+
+}  // namespace
