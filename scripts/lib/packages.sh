@@ -8,8 +8,8 @@ BUILD_PACKAGES=(
     qtbase5-dev qtbase5-dev-tools libopencv-core-dev libopencv-imgproc-dev
 )
 
-# To run it: drawn icons, picture formats beyond Qt's own, a font with Chinese characters.
-RUN_PACKAGES=(libqt5svg5 qt5-image-formats-plugins fonts-wqy-microhei)
+# To run it: drawn icons, picture formats beyond Qt's own, Qt's own texts in Chinese, a font with Chinese characters.
+RUN_PACKAGES=(libqt5svg5 qt5-image-formats-plugins qttranslations5-l10n fonts-wqy-microhei)
 
 # To run it where only a Wayland display is offered.
 WAYLAND_PACKAGES=(qtwayland5)
