@@ -21,7 +21,7 @@ DISPLAY_PACKAGES=(x11-utils)
 HEADLESS_PACKAGES=(xvfb xauth xdotool imagemagick x11-utils)
 
 # To run the tests and the checks beside them.
-TEST_PACKAGES=(git clang-format-14)
+TEST_PACKAGES=(git clang-14 clang-format-14 lld)
 
 # To measure speed.
 BENCH_PACKAGES=(libbenchmark-dev libopencv-imgcodecs-dev)
