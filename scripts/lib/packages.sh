@@ -25,3 +25,6 @@ TEST_PACKAGES=(git clang-14 clang-format-14 lld)
 
 # To measure speed.
 BENCH_PACKAGES=(libbenchmark-dev libopencv-imgcodecs-dev)
+
+# To fuzz: the compiler with the fuzzer and the checks.
+FUZZ_PACKAGES=(clang-14 libclang-rt-14-dev)
