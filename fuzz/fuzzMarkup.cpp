@@ -29,7 +29,7 @@ void checkElements(const QString& text, const QString& open, const QString& clos
     QString wanted;
     do {
         wanted = Naive::takeBody(wantedLeft, open, close);
-        Fuzz::expectEqual(reader.next(), wanted, "next element");
+        Fuzz::expectEqual(reader.next().toString(), wanted, "next element");
         Fuzz::expectEqual(reader.remaining(), wantedLeft, "what the elements leave");
     } while (!wanted.isEmpty());
 }

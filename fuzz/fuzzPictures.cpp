@@ -8,15 +8,18 @@
 #include "pictureDecoder.h"
 
 #include <QFile>
+#include <QImageReader>
 #include <QtEndian>
 
 #include <array>
+#include <cstdlib>
 
 namespace {
 
 const std::array<const char*, 8> Suffixes{"bmp", "png", "jpg", "jpeg", "tif", "gif", "ico", "dat"};
 
-constexpr int Before = 9;  ///< Side of the picture that the records hold before.
+constexpr qint64 MostPixels = 1 << 18;  ///< Larger pictures only take time and memory here.
+constexpr int Before = 9;               ///< Side of the picture that the records hold before.
 
 quint32 checksum(const char* bytes, int count)
 {
@@ -122,6 +125,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         mendChecksums(file);
     const bool grey = (how & 2) != 0;
     const QString path = written(file, Suffixes[static_cast<std::size_t>(how >> 2) % Suffixes.size()]);
+    const QSize pictureSize = QImageReader(path).size();
+    if (std::abs(qint64{pictureSize.width()}) * std::abs(qint64{pictureSize.height()}) > MostPixels)
+        return 0;
     checkLoading(path, grey);
     checkFolderSource(path, grey);
     QFile::remove(path);
