@@ -150,11 +150,12 @@ dialog_ends() {
     no_box_open "after the dialog '$1'."
 }
 
-# answer_yes: the question that is open, by its first button.
+# answer_yes TITLE [PICTURE]: the question that is open, by its first button.
 answer_yes() {
-    in_dialog '警告'
+    in_dialog "$1"
+    picture_window "$dialog" "${2:-}"
     keys Left Return
-    wait_until "the end of the question" is_gone '警告'
+    wait_until "the end of the question" is_gone "$1"
 }
 
 # click_control N: one of the four controls above the steps, from 0.
@@ -167,9 +168,12 @@ click_control() {
 open_menu() {
     to_main_window
     wait_until "the controls of the tab" look_at_tab
-    click 60 $((steps_end + 25)) 3
-    wait_until "the menu of the steps" find_window '^lumivant$'
-    sleep 0.2
+    sleep 0.3
+    local before place="$TOUR_VIEWS_LEFT"x"$((screen_height - steps_top))"+0+"$steps_top"
+    before="$(digest root "$place")"
+    click 60 $((steps_end + 12)) 3
+    wait_until "the menu of the steps" differs_from "$before" root "$place"
+    sleep 0.3
 }
 
 # add_step CLASS ALGORITHM DIALOG: picks an algorithm by its places in the menus; its dialog has to come up.
@@ -181,6 +185,14 @@ add_step() {
     times "$2" Down
     keys Return
     in_dialog "$3"
+}
+
+# choose_command N [PICTURE]: one of the commands at the end of the menu, counted from the last.
+choose_command() {
+    open_menu
+    times "$1" Up
+    picture_window root "${2:-}"
+    keys Return
 }
 
 # step_added DIALOG: OK; the steps are one more then.
