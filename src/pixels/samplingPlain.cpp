@@ -1,0 +1,69 @@
+#include "pixels/samplingKernels.h"
+
+namespace {
+
+void colour(const unsigned char* row, const ColumnMap& map, bool exchange, unsigned char* target)
+{
+    SamplingKernels::plainColourFrom(0, row, map, exchange, target);
+}
+
+void grey(const unsigned char* row, const ColumnMap& map, unsigned char* target)
+{
+    SamplingKernels::plainGreyFrom(0, row, map, target);
+}
+
+void overlay(const unsigned char* grey, const unsigned char* rgb, bool whereZero, unsigned char* target,
+             std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        // A mask rather than a branch, which noise would make slow.
+        const auto taken = static_cast<unsigned char>(-static_cast<int>((grey[i] == 0) == whereZero));
+        for (std::size_t byte = 3 * i; byte < 3 * i + 3; ++byte)
+            target[byte] = static_cast<unsigned char>((target[byte] & ~taken) | (rgb[byte] & taken));
+    }
+}
+
+constexpr SamplingKernels Plain{"plain", colour, grey, overlay};
+
+}  // namespace
+
+void SamplingKernels::plainColourFrom(std::size_t first, const unsigned char* row, const ColumnMap& map, bool exchange,
+                                      unsigned char* target)
+{
+    const std::size_t firstByte = exchange ? 2 : 0;
+    const std::size_t thirdByte = 2 - firstByte;
+    const std::int32_t* columns = map.columns();
+    for (std::size_t i = first; i < map.count(); ++i) {
+        const unsigned char* pixel = row + 3 * static_cast<std::size_t>(columns[i]);
+        target[3 * i] = pixel[firstByte];
+        target[3 * i + 1] = pixel[1];
+        target[3 * i + 2] = pixel[thirdByte];
+    }
+}
+
+void SamplingKernels::plainGreyFrom(std::size_t first, const unsigned char* row, const ColumnMap& map,
+                                    unsigned char* target)
+{
+    const std::int32_t* columns = map.columns();
+    for (std::size_t i = first; i < map.count(); ++i)
+        target[i] = row[columns[i]];
+}
+
+const SamplingKernels& SamplingKernels::plain()
+{
+    return Plain;
+}
+
+std::vector<const SamplingKernels*> SamplingKernels::available()
+{
+    std::vector<const SamplingKernels*> all{&plain()};
+    if (const SamplingKernels* kernels = ssse3())
+        all.push_back(kernels);
+    return all;
+}
+
+const SamplingKernels& SamplingKernels::best()
+{
+    static const SamplingKernels& kernels = *available().back();
+    return kernels;
+}

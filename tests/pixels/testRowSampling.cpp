@@ -1,0 +1,174 @@
+#include "pixelSupport.h"
+#include "pixels/samplingKernels.h"
+
+#include <algorithm>
+#include <memory>
+
+using namespace PixelSupport;
+
+namespace {
+
+using Columns = std::vector<std::int32_t>;
+
+/// One row for each form that this processor has.
+void addSamplers()
+{
+    QTest::addColumn<int>("form");
+    int index = 0;
+    for (const SamplingKernels* kernels : SamplingKernels::available())
+        QTest::newRow(kernels->m_pchName) << index++;
+}
+
+const SamplingKernels& samplerOfRow()
+{
+    QFETCH(int, form);
+    return *SamplingKernels::available().at(static_cast<std::size_t>(form));
+}
+
+/// Columns from first on, one every step / 16 pixels, as many as there are up to a limit.
+Columns stepped(int first, int step, int rowWidth, std::size_t limit)
+{
+    Columns columns;
+    for (int place = first * 16; place / 16 < rowWidth && columns.size() < limit; place += step)
+        columns.push_back(place / 16);
+    return columns;
+}
+
+Columns scattered(int rowWidth, std::size_t count, unsigned seed)
+{
+    std::mt19937 random(seed);
+    Columns columns(count);
+    for (std::int32_t& column : columns)
+        column = static_cast<std::int32_t>(random() % static_cast<unsigned>(rowWidth));
+    std::sort(columns.begin(), columns.end());
+    return columns;
+}
+
+/// Exactly as large as its content, so that a sanitizer sees the first byte beside it.
+class Exact
+{
+public:
+    explicit Exact(const Bytes& bytes) : m_nSize(bytes.size()), m_puchData(new unsigned char[bytes.size()])
+    {
+        std::copy(bytes.begin(), bytes.end(), m_puchData.get());
+    }
+    unsigned char* data() const { return m_puchData.get(); }
+    Bytes bytes() const { return {m_puchData.get(), m_puchData.get() + m_nSize}; }
+
+private:
+    std::size_t m_nSize;
+    std::unique_ptr<unsigned char[]> m_puchData;
+};
+
+void checkColour(const SamplingKernels& form, const Columns& columns, int rowWidth, bool exchange)
+{
+    const Exact row(mixedBytes(3 * static_cast<std::size_t>(rowWidth), static_cast<unsigned>(rowWidth)));
+    const Bytes source = row.bytes();
+    Bytes expected;
+    for (const std::int32_t column : columns) {
+        const std::size_t byte = 3 * static_cast<std::size_t>(column);
+        expected.push_back(source[exchange ? byte + 2 : byte]);
+        expected.push_back(source[byte + 1]);
+        expected.push_back(source[exchange ? byte : byte + 2]);
+    }
+    const Exact target(Bytes(expected.size(), 0xEE));
+    form.m_pfnColour(row.data(), ColumnMap(columns, rowWidth), exchange, target.data());
+    QCOMPARE(target.bytes(), expected);
+}
+
+void checkGrey(const SamplingKernels& form, const Columns& columns, int rowWidth)
+{
+    const Exact row(mixedBytes(static_cast<std::size_t>(rowWidth), static_cast<unsigned>(rowWidth)));
+    const Bytes source = row.bytes();
+    Bytes expected;
+    for (const std::int32_t column : columns)
+        expected.push_back(source[static_cast<std::size_t>(column)]);
+    const Exact target(Bytes(expected.size(), 0xEE));
+    form.m_pfnGrey(row.data(), ColumnMap(columns, rowWidth), target.data());
+    QCOMPARE(target.bytes(), expected);
+}
+
+void checkSampling(const SamplingKernels& form, const Columns& columns, int rowWidth)
+{
+    checkColour(form, columns, rowWidth, true);
+    checkColour(form, columns, rowWidth, false);
+    checkGrey(form, columns, rowWidth);
+}
+
+}  // namespace
+
+class TestRowSampling : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void steadyStepsThroughRowsOfEveryWidth_data() { addSamplers(); }
+    void steadyStepsThroughRowsOfEveryWidth();
+    void scatteredColumns_data() { addSamplers(); }
+    void scatteredColumns();
+    void overlayTakesZerosOrOthers_data() { addSamplers(); }
+    void overlayTakesZerosOrOthers();
+    void mapKnowsNeighboursWindowsAndTheLastPixel();
+};
+
+void TestRowSampling::steadyStepsThroughRowsOfEveryWidth()
+{
+    for (const int step : {1, 5, 8, 16, 17, 24, 32, 35, 40, 64, 200}) {
+        for (int rowWidth = 1; rowWidth < 70; ++rowWidth)
+            checkSampling(samplerOfRow(), stepped(rowWidth % 5 < rowWidth ? rowWidth % 5 : 0, step, rowWidth, 60),
+                          rowWidth);
+        checkSampling(samplerOfRow(), stepped(0, step, 3001, 5000), 3001);
+    }
+    checkSampling(samplerOfRow(), {}, 1);
+}
+
+void TestRowSampling::scatteredColumns()
+{
+    for (unsigned seed = 1; seed < 300; ++seed) {
+        const int rowWidth = 1 + static_cast<int>(seed * 7 % 90);
+        checkSampling(samplerOfRow(), scattered(rowWidth, seed % 83, seed), rowWidth);
+    }
+}
+
+void TestRowSampling::overlayTakesZerosOrOthers()
+{
+    for (std::size_t count = 0; count < 100; ++count) {
+        const Exact grey(mixedBytes(count, static_cast<unsigned>(count)));
+        const Exact rgb(mixedBytes(3 * count, static_cast<unsigned>(count + 1)));
+        for (const bool whereZero : {true, false}) {
+            const Exact target(Bytes(3 * count, 0x5A));
+            Bytes expected = target.bytes();
+            for (std::size_t i = 0; i < 3 * count; ++i) {
+                if ((grey.data()[i / 3] == 0) == whereZero)
+                    expected[i] = rgb.data()[i];
+            }
+            samplerOfRow().m_pfnOverlay(grey.data(), rgb.data(), whereZero, target.data(), count);
+            QCOMPARE(target.bytes(), expected);
+        }
+    }
+}
+
+void TestRowSampling::mapKnowsNeighboursWindowsAndTheLastPixel()
+{
+    const ColumnMap neighbours({3, 4, 5, 6, 7, 8, 9, 10, 11}, 12);
+    QVERIFY(neighbours.isContiguous());
+    QCOMPARE(neighbours.count(), std::size_t{9});
+    QCOMPARE(neighbours.innerCount(), std::size_t{8});
+    QVERIFY(neighbours.windows().empty());  // the row has no sixteen pixels
+
+    const ColumnMap halved({1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31, 31}, 32);
+    QVERIFY(!halved.isContiguous());
+    QCOMPARE(halved.innerCount(), std::size_t{15});
+    QCOMPARE(halved.windows().size(), std::size_t{2});
+    QCOMPARE(halved.windows()[0].m_nFirst, 1);
+    QCOMPARE(halved.windows()[1].m_nFirst, 16);
+    QCOMPARE(static_cast<int>(halved.windows()[1].m_anPlaces[7]), 15);
+
+    const ColumnMap far({0, 1, 2, 3, 4, 5, 6, 16}, 40);
+    QVERIFY(far.windows().empty());
+    QVERIFY(ColumnMap().windows().empty());
+    QVERIFY(!ColumnMap().isContiguous());
+}
+
+QTEST_APPLESS_MAIN(TestRowSampling)
+#include "testRowSampling.moc"
