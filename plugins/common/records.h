@@ -28,35 +28,32 @@ struct OutputRef
 {
     int id = -1;  ///< -1: not made yet.
     QString name;
-    QString describe;  ///< The step's own words, so not part of the option text.
 
-    static OutputRef read(const TaggedReader& reader, const QString& prefix, const QString& defaultName,
-                          const QString& describe);
+    static OutputRef read(const TaggedReader& reader, const QString& prefix, const QString& defaultName);
     void write(TaggedWriter& writer, const QString& prefix) const;
 
     /// Takes a name that the user typed; an empty one, and one with markup in it, changes nothing.
     void rename(const QString& typed);
 
-    /// Makes the record known to the store, labelled: under the identifier it has, else under a fresh one.
+    /// Makes the record known to the store with its name: under the identifier it has, else under a fresh one.
     template <typename Record>
-    void make(ArithmParamMgr& store, Record* (ArithmParamMgr::*get)(int))
+    void make(ArithmParamMgr& store, Record* (ArithmParamMgr::*get)(int), const QString& describe)
     {
         Record* record = (store.*get)(id);
         id = record->getID();
-        label(*record);
+        record->setName(name);
+        record->setDescribe(describe);
     }
 
-    /// The record to write a result into, labelled; null when the step was never configured.
+    /// The record to write a result into, with its name; null when the step was never configured.
     template <typename Record>
     Record* open(ArithmParamMgr& store, Record* (ArithmParamMgr::*get)(int)) const
     {
         if (id < 1)
             return nullptr;
         Record* record = (store.*get)(id);
-        label(*record);
+        if (record->getName() != name)
+            record->setName(name);
         return record;
     }
-
-    /// Gives a record its name and description, which go whenever the workbench empties the store.
-    void label(ArithmParam& record) const;
 };

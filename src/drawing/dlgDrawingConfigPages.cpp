@@ -238,10 +238,8 @@ void DlgDrawingConfig::paintColorButtons()
 void DlgDrawingConfig::askColor(QPushButton* button)
 {
     const QColor color = QColorDialog::getColor(colorOf(button), this, QString(), QColorDialog::DontUseNativeDialog);
-    if (!color.isValid())
-        return;
-    setColor(button, color);
-    focusNextChild();
+    if (color.isValid())
+        setColor(button, color);
 }
 
 void DlgDrawingConfig::on_btnColorPoints_clicked()

@@ -1,11 +1,13 @@
 #include "drawing/imageDrawingOpt.h"
 
-#include "drawing/grayPalette.h"
+#include "drawing/directDrawing.h"
+#include "drawing/greyOverlay.h"
 #include "drawing/viewScaleOpt.h"
 #include "paramStore/pictureLayout.h"
 
 #include <QImage>
 
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -35,13 +37,23 @@ Drawing::ImageDrawingOpt::ImageDrawingOpt(int dataType, int dataId, const void* 
         std::memcpy(m_cPixels.data(), pixels, static_cast<std::size_t>(byteNum));
 }
 
-void Drawing::ImageDrawingOpt::place(QImage& canvas, const QImage& picture, WindowQuotients quotients) const
+std::optional<QRectF> Drawing::ImageDrawingOpt::place(const QImage& canvas, WindowQuotients quotients) const
 {
     const auto placement = placeImage(m_nScaleType, m_nAlignType, canvas.size(), {m_nWidth, m_nHeight}, quotients);
     if (!placement)
-        return;
+        return std::nullopt;
     ViewScale::setEntry(getViewID(), placement->m_cEntry);
-    paintPlaced(canvas, picture, *placement);
+    return placement->m_cSource;
+}
+
+void Drawing::ImageDrawingOpt::replaceCanvas(QImage& canvas, const QImage& picture, WindowQuotients quotients) const
+{
+    const std::optional<QRectF> source = place(canvas, quotients);
+    if (source && DirectDrawing::replace(canvas, picture, *source))
+        return;
+    clearCanvas(canvas);
+    if (source)
+        paintPart(canvas, picture, *source);
 }
 
 Drawing::DIBDrawingOpt::DIBDrawingOpt(int dataId, unsigned char* pixels, int width, int height)
@@ -53,13 +65,12 @@ void Drawing::DIBDrawingOpt::draw(QImage* canvas, ArithmParamMgr* store)
 {
     if (!canvas || !store || !hasPixels())
         return;
-    clearCanvas(*canvas);
-    // The painter exchanges the bytes while it samples: cheaper than a pass over the whole picture before.
+    // The bytes are exchanged while they are shown: cheaper than a pass over the whole picture before.
     m_bExchanged = !m_bExchanged;
     const QImage picture(pixels(), width(), height(), static_cast<int>(PictureLayout::colourStride(width())),
                          m_bExchanged ? QImage::Format_BGR888 : QImage::Format_RGB888);
     // Kept on purpose: scaled to the window, a colour picture notes integer quotients and a grey one exact ones.
-    place(*canvas, picture, WindowQuotients::Integer);
+    replaceCanvas(*canvas, picture, WindowQuotients::Integer);
 }
 
 Drawing::Gray8DrawingOpt::Gray8DrawingOpt(int dataId, unsigned char* pixels, int width, int height)
@@ -76,10 +87,10 @@ void Drawing::Gray8DrawingOpt::draw(QImage* canvas, ArithmParamMgr* store)
         drawNormal(*canvas);
         break;
     case 1:
-        drawThrough(overlayTable(), *canvas);
+        drawOver(*canvas, lapped());
         break;
     case 2:
-        drawThrough(maskTable(), *canvas);
+        drawOver(*canvas, mask());
         break;
     default:
         break;
@@ -88,16 +99,25 @@ void Drawing::Gray8DrawingOpt::draw(QImage* canvas, ArithmParamMgr* store)
 
 void Drawing::Gray8DrawingOpt::drawNormal(QImage& canvas) const
 {
-    clearCanvas(canvas);
     // Kept on purpose: the last pixel of the last row is not shown; it is black.
     unsigned char& lastPixel = pixels()[PictureLayout::gray8Bytes(width(), height()) - 1];
     const unsigned char value = std::exchange(lastPixel, static_cast<unsigned char>(0));
     const QImage picture(pixels(), width(), height(), width(), QImage::Format_Grayscale8);
-    place(canvas, picture, WindowQuotients::Exact);
+    replaceCanvas(canvas, picture, WindowQuotients::Exact);
     lastPixel = value;
 }
 
-void Drawing::Gray8DrawingOpt::drawThrough(const ColorTable& table, QImage& canvas) const
+void Drawing::Gray8DrawingOpt::drawOver(QImage& canvas, const GreyOverlay& overlay) const
+{
+    const std::optional<QRectF> source = place(canvas, WindowQuotients::Exact);
+    if (!source)
+        return;
+    const QImage picture(pixels(), width(), height(), width(), QImage::Format_Grayscale8);
+    if (!DirectDrawing::overlay(canvas, picture, *source, overlay))
+        paintOver(canvas, overlay, *source);
+}
+
+void Drawing::Gray8DrawingOpt::paintOver(QImage& canvas, const GreyOverlay& overlay, const QRectF& source) const
 {
     const std::int64_t pixelNum = PictureLayout::gray8Bytes(width(), height());
     const std::int64_t byteNum = pixelNum * std::int64_t{sizeof(QRgb)};
@@ -107,30 +127,29 @@ void Drawing::Gray8DrawingOpt::drawThrough(const ColorTable& table, QImage& canv
     const PooledPixels memory(byteNum);
     if (!memory.data())
         return;
+    std::array<QRgb, 256> table;
+    for (int value = 0; value < 256; ++value)
+        table[static_cast<std::size_t>(value)] = overlay.colourOf(value);
     const unsigned char* grey = pixels();
     auto* target = reinterpret_cast<QRgb*>(memory.data());
     for (std::int64_t i = 0; i < pixelNum; ++i)
         target[i] = table[grey[i]];
     // Every colour is opaque or nothing at all, so it is its own premultiplied form.
-    const QImage picture(memory.data(), width(), height(), QImage::Format_ARGB32_Premultiplied);
-    place(canvas, picture, WindowQuotients::Exact);
+    paintPart(canvas, QImage(memory.data(), width(), height(), QImage::Format_ARGB32_Premultiplied), source);
 }
 
-Drawing::Gray8DrawingOpt::ColorTable Drawing::Gray8DrawingOpt::overlayTable() const
+GreyOverlay Drawing::Gray8DrawingOpt::lapped() const
 {
-    ColorTable table{};  // 0 stays transparent
-    for (QRgb value = 1; value < table.size(); ++value)
-        table[value] = getLapped() != 0 ? grayPalette()[value] : 0xFF000000 | value << 16 | value << 8 | value;
-    return table;
+    GreyOverlay overlay;  // 0 stays transparent
+    overlay.m_eColours = getLapped() != 0 ? GreyOverlay::Colours::Blocks : GreyOverlay::Colours::Greys;
+    return overlay;
 }
 
-Drawing::Gray8DrawingOpt::ColorTable Drawing::Gray8DrawingOpt::maskTable() const
+GreyOverlay Drawing::Gray8DrawingOpt::mask() const
 {
-    const QRgb color = maskColor(getMaskColor());
-    ColorTable table;
-    table.fill(getMaskVal() == 0 ? 0 : color);
-    table[0] = getMaskVal() == 1 ? 0 : color;
-    return table;
+    const QRgb colour = maskColor(getMaskColor());
+    const bool isVisible = colour != 0;
+    return {GreyOverlay::Colours::OneColour, colour, isVisible && getMaskVal() != 1, isVisible && getMaskVal() != 0};
 }
 
 Drawing::Gray16DrawingOpt::Gray16DrawingOpt(int dataId, const std::uint16_t* pixels, int width, int height)

@@ -4,10 +4,12 @@
 #include "drawing/imagePlacement.h"
 #include "drawing/pixelPool.h"
 
-#include <QRgb>
+#include <QRectF>
 
-#include <array>
 #include <cstdint>
+#include <optional>
+
+struct GreyOverlay;
 
 /// What the three picture kinds share: where the picture goes, and a copy of its pixels of the option's own, so that
 /// the next pass may refill the record while the option waits.
@@ -28,8 +30,12 @@ protected:
     int width() const { return m_nWidth; }
     int height() const { return m_nHeight; }
 
-    /// Draws a picture of the option's size where it belongs and notes the mapping in the view's entry.
-    void place(QImage& canvas, const QImage& picture, WindowQuotients quotients) const;
+    /// Where a picture of the option's size belongs: the part of it that fills the canvas, noted in the view's entry;
+    /// nothing for an unknown scale type.
+    std::optional<QRectF> place(const QImage& canvas, WindowQuotients quotients) const;
+
+    /// Clears the canvas and draws such a picture where it belongs.
+    void replaceCanvas(QImage& canvas, const QImage& picture, WindowQuotients quotients) const;
 
 private:
     int m_nScaleType = 0;
@@ -83,12 +89,11 @@ public:
     void draw(QImage* canvas, ArithmParamMgr* store) override;
 
 private:
-    using ColorTable = std::array<QRgb, 256>;  ///< By grey value.
-
     void drawNormal(QImage& canvas) const;
-    void drawThrough(const ColorTable& table, QImage& canvas) const;
-    ColorTable overlayTable() const;
-    ColorTable maskTable() const;
+    void drawOver(QImage& canvas, const GreyOverlay& overlay) const;
+    void paintOver(QImage& canvas, const GreyOverlay& overlay, const QRectF& source) const;
+    GreyOverlay lapped() const;
+    GreyOverlay mask() const;
 };
 
 /// A 16-bit grey picture: taken in, never shown.

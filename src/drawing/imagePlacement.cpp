@@ -69,10 +69,10 @@ void clearCanvas(QImage& canvas)
         std::memset(canvas.bits(), 0, static_cast<std::size_t>(canvas.sizeInBytes()));
 }
 
-void paintPlaced(QImage& canvas, const QImage& picture, const ImagePlacement& placement)
+void paintPart(QImage& canvas, const QImage& picture, const QRectF& source)
 {
     if (canvas.isNull() || picture.isNull())
         return;
     QPainter painter(&canvas);
-    painter.drawImage(QRectF(0, 0, canvas.width(), canvas.height()), picture, placement.m_cSource);
+    painter.drawImage(QRectF(0, 0, canvas.width(), canvas.height()), picture, source);
 }

@@ -36,8 +36,6 @@ void PictureFolderDialog::browse()
     const QString folder =
         QFileDialog::getExistingDirectory(this, QStringLiteral("选择图片文件夹"), m_pcUi->edtFolder->text(),
                                           QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
-    if (folder.isEmpty())
-        return;
-    m_pcUi->edtFolder->setText(folder);
-    m_pcUi->spnRate->setFocus(Qt::TabFocusReason);
+    if (!folder.isEmpty())
+        m_pcUi->edtFolder->setText(folder);
 }

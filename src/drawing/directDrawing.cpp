@@ -1,0 +1,191 @@
+#include "drawing/directDrawing.h"
+
+#include "drawing/grayPalette.h"
+#include "drawing/greyOverlay.h"
+#include "drawing/imagePlacement.h"
+#include "drawing/pictureSampling.h"
+#include "pixels/pixels.h"
+#include "pixels/samplingKernels.h"
+
+#include <QImage>
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+const PictureSampling* samplingOf(const QImage& canvas, const QImage& picture, const QRectF& source,
+                                  PainterPicture kind)
+{
+    if (canvas.format() != QImage::Format_RGB888 || canvas.devicePixelRatio() != 1)
+        return nullptr;
+    return pictureSampling(canvas.size(), picture.size(), source, kind);
+}
+
+/// The rows of the canvas that show a picture, each from its first pixel on that does.
+class ShownRows
+{
+public:
+    ShownRows(QImage& canvas, const PictureSampling& sampling)
+        : m_nStride(static_cast<std::size_t>(canvas.bytesPerLine())),
+          m_puchFirst(canvas.bits() + m_nStride * static_cast<std::size_t>(sampling.m_nTop) +
+                      3 * static_cast<std::size_t>(sampling.m_nLeft))
+    {
+    }
+    unsigned char* row(std::size_t index) const { return m_puchFirst + m_nStride * index; }
+
+private:
+    std::size_t m_nStride;
+    unsigned char* m_puchFirst;
+};
+
+/// Black, bytes between the rows included, where the picture is not going to be.
+void clearAround(QImage& canvas, const PictureSampling& sampling)
+{
+    if (!sampling.covers(canvas.size())) {
+        clearCanvas(canvas);
+        return;
+    }
+    const auto stride = static_cast<std::size_t>(canvas.bytesPerLine());
+    const std::size_t shown = 3 * static_cast<std::size_t>(canvas.width());
+    unsigned char* row = canvas.bits();
+    for (int y = 0; y < canvas.height() && shown < stride; ++y, row += stride)
+        std::memset(row + shown, 0, stride - shown);
+}
+
+/// Takes a row's pixels by the map of the columns and makes three bytes of each.
+class RowSampler
+{
+public:
+    RowSampler(const QImage& picture, const ColumnMap& columns)
+        : m_cColumns(columns), m_eFormat(picture.format()), m_vecGrey(isGrey() ? columns.count() : 0)
+    {
+    }
+
+    void sample(const unsigned char* source, unsigned char* target)
+    {
+        if (isGrey())
+            Pixels::rgbOfGrey(sampleGrey(source), target, m_cColumns.count());
+        else if (m_cColumns.isContiguous())
+            copyNeighbours(source + 3 * static_cast<std::size_t>(*m_cColumns.columns()), target);
+        else
+            SamplingKernels::best().m_pfnColour(source, m_cColumns, isExchanged(), target);
+    }
+
+    /// The values alone; valid until the next call and as long as the source.
+    const unsigned char* sampleGrey(const unsigned char* source)
+    {
+        if (m_cColumns.isContiguous())
+            return source + *m_cColumns.columns();
+        SamplingKernels::best().m_pfnGrey(source, m_cColumns, m_vecGrey.data());
+        return m_vecGrey.data();
+    }
+
+private:
+    bool isGrey() const { return m_eFormat == QImage::Format_Grayscale8; }
+    bool isExchanged() const { return m_eFormat == QImage::Format_BGR888; }
+
+    void copyNeighbours(const unsigned char* source, unsigned char* target) const
+    {
+        if (isExchanged())
+            Pixels::exchangeFirstAndThird(source, target, m_cColumns.count());
+        else
+            std::memcpy(target, source, 3 * m_cColumns.count());
+    }
+
+    const ColumnMap& m_cColumns;
+    QImage::Format m_eFormat;
+    std::vector<unsigned char> m_vecGrey;
+};
+
+/// Makes colours of a row's grey values.
+class OverlayColours
+{
+public:
+    OverlayColours(const GreyOverlay& overlay, std::size_t count) : m_cOverlay(overlay), m_vecRgb(3 * count)
+    {
+        if (overlay.m_eColours == GreyOverlay::Colours::OneColour)
+            fill([&overlay](std::size_t) { return overlay.m_nColour; });
+    }
+
+    /// Valid until the next call; colours of values that are not shown are of no account.
+    const unsigned char* coloursOf(const unsigned char* grey)
+    {
+        if (m_cOverlay.m_eColours == GreyOverlay::Colours::Greys)
+            Pixels::rgbOfGrey(grey, m_vecRgb.data(), m_vecRgb.size() / 3);
+        else if (m_cOverlay.m_eColours == GreyOverlay::Colours::Blocks)
+            fill([grey](std::size_t index) { return grayPalette()[grey[index]]; });
+        return m_vecRgb.data();
+    }
+
+private:
+    template <typename ColourAt>
+    void fill(ColourAt colourAt)
+    {
+        unsigned char* pixel = m_vecRgb.data();
+        for (std::size_t i = 0; i < m_vecRgb.size() / 3; ++i, pixel += 3) {
+            const QRgb colour = colourAt(i);
+            pixel[0] = static_cast<unsigned char>(qRed(colour));
+            pixel[1] = static_cast<unsigned char>(qGreen(colour));
+            pixel[2] = static_cast<unsigned char>(qBlue(colour));
+        }
+    }
+
+    const GreyOverlay& m_cOverlay;
+    std::vector<unsigned char> m_vecRgb;
+};
+
+void overlayRow(const GreyOverlay& overlay, const unsigned char* grey, const unsigned char* rgb, unsigned char* target,
+                std::size_t count)
+{
+    if (overlay.m_bShowsZero && overlay.m_bShowsOthers)
+        std::memcpy(target, rgb, 3 * count);
+    else
+        SamplingKernels::best().m_pfnOverlay(grey, rgb, overlay.m_bShowsZero, target, count);
+}
+
+}  // namespace
+
+bool DirectDrawing::replace(QImage& canvas, const QImage& picture, const QRectF& source)
+{
+    const PictureSampling* sampling = samplingOf(canvas, picture, source, PainterPicture::Rgb);
+    if (!sampling)
+        return false;
+    clearAround(canvas, *sampling);
+    if (sampling->isEmpty())
+        return true;
+    const ShownRows shown(canvas, *sampling);
+    RowSampler sampler(picture, sampling->m_cColumns);
+    const std::vector<std::int32_t>& rows = sampling->m_vecRows;
+    for (std::size_t y = 0; y < rows.size(); ++y) {
+        if (y > 0 && rows[y] == rows[y - 1])
+            std::memcpy(shown.row(y), shown.row(y - 1), 3 * sampling->m_cColumns.count());
+        else
+            sampler.sample(picture.constScanLine(rows[y]), shown.row(y));
+    }
+    return true;
+}
+
+bool DirectDrawing::overlay(QImage& canvas, const QImage& picture, const QRectF& source, const GreyOverlay& colours)
+{
+    const PictureSampling* sampling = samplingOf(canvas, picture, source, PainterPicture::Argb);
+    if (!sampling)
+        return false;
+    if (sampling->isEmpty() || !(colours.m_bShowsZero || colours.m_bShowsOthers))
+        return true;
+    const std::size_t count = sampling->m_cColumns.count();
+    const ShownRows shown(canvas, *sampling);
+    RowSampler sampler(picture, sampling->m_cColumns);
+    OverlayColours rowColours(colours, count);
+    const unsigned char* grey = nullptr;
+    const unsigned char* rgb = nullptr;
+    const std::vector<std::int32_t>& rows = sampling->m_vecRows;
+    for (std::size_t y = 0; y < rows.size(); ++y) {
+        if (y == 0 || rows[y] != rows[y - 1]) {
+            grey = sampler.sampleGrey(picture.constScanLine(rows[y]));
+            rgb = rowColours.coloursOf(grey);
+        }
+        overlayRow(colours, grey, rgb, shown.row(y), count);
+    }
+    return true;
+}
