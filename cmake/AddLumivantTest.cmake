@@ -11,6 +11,10 @@ set(LUMIVANT_TEST_ENV
     "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
     "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp:second_deadlock_stack=1:history_size=4:allocator_may_return_null=1")
 
+lumivant_header_owner(lumivantTestHeaders
+    LIBRARIES lumivantTestSupport Qt5::Widgets Qt5::Test
+    HEADERS ${LUMIVANT_TEST_HEADERS})
+
 function(lumivant_add_test name)
     cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES;DEPENDS" ${ARGN})
     set(folder "${CMAKE_BINARY_DIR}/test-run/${name}")
@@ -19,6 +23,7 @@ function(lumivant_add_test name)
     set_target_properties(${name} PROPERTIES
         RUNTIME_OUTPUT_DIRECTORY "${folder}"
         BUILD_RPATH "${CMAKE_BINARY_DIR}/lib")
+    lumivant_share_precompiled(${name} lumivantTestHeaders)
     if(arg_DEPENDS)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()

@@ -1,4 +1,5 @@
 #include "mainwindow.h"
+#include "qtTexts.h"
 
 #include <QApplication>
 
@@ -7,6 +8,7 @@ int main(int argc, char* argv[])
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
+    QtTexts::makeChinese();
     MainWindow window;
     window.show();
     return QApplication::exec();

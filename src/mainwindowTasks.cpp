@@ -2,6 +2,7 @@
 #include "mainwindow.h"
 
 #include "dlgNameInput.h"
+#include "forms/wholeTextTip.h"
 #include "taskMgr/taskMgr.h"
 #include "ui_mainwindow.h"
 #include "view/viewForm.h"
@@ -44,6 +45,7 @@ QTableWidget* makeFlowTable()
     table->setHorizontalHeaderLabels(
         {WindowMessages::columnName(), WindowMessages::columnCount(), WindowMessages::columnTime()});
     table->setToolTip(WindowMessages::tableTip());
+    table->setItemDelegate(new WholeTextTip(table));
 
     QHeaderView* const header = table->horizontalHeader();
     QFont font = header->font();

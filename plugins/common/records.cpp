@@ -32,7 +32,8 @@ void PictureRef::write(TaggedWriter& writer) const
         .number(QStringLiteral("InputID"), id);
 }
 
-OutputRef OutputRef::read(const TaggedReader& reader, const QString& prefix, const QString& defaultName)
+OutputRef OutputRef::read(const TaggedReader& reader, const QString& prefix, const QString& defaultName,
+                          const QString& describe)
 {
     OutputRef ref;
     ref.id = reader.number(prefix + QStringLiteral("ID"), -1, -1, LargestID);
@@ -41,6 +42,7 @@ OutputRef OutputRef::read(const TaggedReader& reader, const QString& prefix, con
     ref.name = reader.text(prefix + QStringLiteral("Name"));
     if (ref.name.isEmpty())
         ref.name = defaultName;
+    ref.describe = describe;
     return ref;
 }
 
@@ -55,4 +57,12 @@ void OutputRef::rename(const QString& typed)
     // Option texts have no quoting, so a name must not look like a tag.
     if (!trimmed.isEmpty() && !trimmed.contains(QLatin1Char('<')))
         name = trimmed;
+}
+
+void OutputRef::label(ArithmParam& record) const
+{
+    if (record.getName() != name)
+        record.setName(name);
+    if (record.getDescribe() != describe)
+        record.setDescribe(describe);
 }

@@ -28,32 +28,35 @@ struct OutputRef
 {
     int id = -1;  ///< -1: not made yet.
     QString name;
+    QString describe;  ///< The step's own words, so not part of the option text.
 
-    static OutputRef read(const TaggedReader& reader, const QString& prefix, const QString& defaultName);
+    static OutputRef read(const TaggedReader& reader, const QString& prefix, const QString& defaultName,
+                          const QString& describe);
     void write(TaggedWriter& writer, const QString& prefix) const;
 
     /// Takes a name that the user typed; an empty one, and one with markup in it, changes nothing.
     void rename(const QString& typed);
 
-    /// Makes the record known to the store with its name: under the identifier it has, else under a fresh one.
+    /// Makes the record known to the store, labelled: under the identifier it has, else under a fresh one.
     template <typename Record>
-    void make(ArithmParamMgr& store, Record* (ArithmParamMgr::*get)(int), const QString& describe)
+    void make(ArithmParamMgr& store, Record* (ArithmParamMgr::*get)(int))
     {
         Record* record = (store.*get)(id);
         id = record->getID();
-        record->setName(name);
-        record->setDescribe(describe);
+        label(*record);
     }
 
-    /// The record to write a result into, with its name; null when the step was never configured.
+    /// The record to write a result into, labelled; null when the step was never configured.
     template <typename Record>
     Record* open(ArithmParamMgr& store, Record* (ArithmParamMgr::*get)(int)) const
     {
         if (id < 1)
             return nullptr;
         Record* record = (store.*get)(id);
-        if (record->getName() != name)
-            record->setName(name);
+        label(*record);
         return record;
     }
+
+    /// Gives a record its name and description, which go whenever the workbench empties the store.
+    void label(ArithmParam& record) const;
 };

@@ -3,7 +3,9 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QDoubleSpinBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -29,6 +31,8 @@ private slots:
     void dialogFitsASmallScreen();
     void configuredStepRuns_data() { newStepMakesItsOutputs_data(); }
     void configuredStepRuns();
+    void outputsAreDescribedAgainAfterTheStoreWasEmptied_data();
+    void outputsAreDescribedAgainAfterTheStoreWasEmptied();
     void tableShowsIdentifierKindNameAndDescription();
     void columnsHaveRoomForTheDescriptionsOfSteps();
     void missingInputIsNotSilentlyReplaced();
@@ -40,6 +44,7 @@ private slots:
     void tabGoesFromTheTableThroughTheSettingsToTheButtons();
 
     void pictureFolderDialogRoundTrips();
+    void chosenFolderLeadsOnToTheRate();
     void testPatternDialogRoundTrips();
     void cancelledSourceDialogGivesTheOldTextBack_data();
     void cancelledSourceDialogGivesTheOldTextBack();
@@ -68,20 +73,50 @@ void acceptDialog(QDialog& dialog)
     press(dialog, "btnOK");
 }
 
-/// A store as it is after earlier steps: a colour picture 1 and grey pictures 2 and 3.
+constexpr int InputNum = 3;
+
+/// What earlier steps left: a colour picture 1 and grey pictures 2 and 3.
+void fillStore(ArithmParamMgr& store)
+{
+    store.getParamDIB(1)->resize(32, 24);
+    store.getParamDIB(1)->setName(QStringLiteral("相机"));
+    store.getParamDIB(1)->setDescribe(QStringLiteral("原图"));
+    for (int id : {2, InputNum}) {
+        store.getParamGray8(id)->resize(32, 24);
+        std::fill_n(store.getParamGray8(id)->getGray8(), 32 * 24, static_cast<unsigned char>(40));
+        store.getParamGray8(id)->setName(QStringLiteral("灰%1").arg(id));
+    }
+    std::fill_n(store.getParamDIB(1)->getDIB(), 96 * 24, static_cast<unsigned char>(90));
+}
+
 StorePtr filledStore()
 {
     StorePtr store = newStore();
-    store->getParamDIB(1)->resize(32, 24);
-    store->getParamDIB(1)->setName(QStringLiteral("相机"));
-    store->getParamDIB(1)->setDescribe(QStringLiteral("原图"));
-    for (int id : {2, 3}) {
-        store->getParamGray8(id)->resize(32, 24);
-        std::fill_n(store->getParamGray8(id)->getGray8(), 32 * 24, static_cast<unsigned char>(40));
-        store->getParamGray8(id)->setName(QStringLiteral("灰%1").arg(id));
-    }
-    std::fill_n(store->getParamDIB(1)->getDIB(), 96 * 24, static_cast<unsigned char>(90));
+    fillStore(*store);
     return store;
+}
+
+template <typename Record>
+void addDescriptions(const QMap<int, Record*>* records, QMap<int, QString>& descriptions)
+{
+    for (const Record* record : *records) {
+        if (record->getID() > InputNum)
+            descriptions.insert(record->getID(), record->getDescribe());
+    }
+}
+
+/// The descriptions of the records behind the inputs, by identifier.
+QStringList outputDescriptions(ArithmParamMgr* store)
+{
+    QMap<int, QString> descriptions;
+    addDescriptions(store->requestParamDIBMap(), descriptions);
+    addDescriptions(store->requestParamGray8Map(), descriptions);
+    addDescriptions(store->requestParamPointsMap(), descriptions);
+    addDescriptions(store->requestParamLinesMap(), descriptions);
+    addDescriptions(store->requestParamPolysMap(), descriptions);
+    addDescriptions(store->requestParamAreasMap(), descriptions);
+    addDescriptions(store->requestParamStringsMap(), descriptions);
+    return descriptions.values();
 }
 
 int recordCount(ArithmParamMgr* store)
@@ -178,6 +213,34 @@ void TestPackDialogs::configuredStepRuns()
     const AlgorithmLibrary library(name);
     const QString option = library.configure(QString(), store.get(), acceptDialog);
     QCOMPARE(library.execute("\n" + option + "\n", store.get()), QString());
+}
+
+void TestPackDialogs::outputsAreDescribedAgainAfterTheStoreWasEmptied_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("described");
+    QTest::newRow("toGray") << "toGray" << QStringList{"彩色转灰度的结果"};
+    QTest::newRow("blur") << "blur" << QStringList{"模糊的结果"};
+    QTest::newRow("threshold") << "threshold" << QStringList{"二值化的结果"};
+    QTest::newRow("findContours") << "findContours" << QStringList{"查找轮廓的结果"};
+    QTest::newRow("findLines") << "findLines" << QStringList{"查找直线的结果"};
+    QTest::newRow("findCorners") << "findCorners" << QStringList{"查找角点的结果"};
+    QTest::newRow("findAreas") << "findAreas" << QStringList{"查找区域的结果", "查找区域的个数"};
+}
+
+void TestPackDialogs::outputsAreDescribedAgainAfterTheStoreWasEmptied()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, described);
+    const StorePtr store = filledStore();
+    const AlgorithmLibrary library(name);
+    const QString option = library.configure(QString(), store.get(), acceptDialog);
+    QCOMPARE(outputDescriptions(store.get()), described);
+    store->clean();
+    fillStore(*store);
+    QCOMPARE(outputDescriptions(store.get()), QStringList());
+    QCOMPARE(library.execute(option, store.get()), QString());
+    QCOMPARE(outputDescriptions(store.get()), described);
 }
 
 void TestPackDialogs::tableShowsIdentifierKindNameAndDescription()
@@ -329,6 +392,28 @@ void TestPackDialogs::pictureFolderDialogRoundTrips()
                                    press(dialog, "btnOK");
                                }),
              QStringLiteral("<Folder>b</Folder><Loop>1</Loop><Rate>0</Rate>"));
+}
+
+void TestPackDialogs::chosenFolderLeadsOnToTheRate()
+{
+#if defined(__SANITIZE_THREAD__)
+    QSKIP("the thread sanitizer does not see the locks of Qt's file dialog");
+#endif
+    const QTemporaryDir folder;
+    QString focused;
+    const QString text = SourceLibrary("pictureFolder").configure(QString(), [&](QDialog& dialog) {
+        QTimer::singleShot(100, &dialog, [&folder] {
+            auto* box = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            QVERIFY(box);
+            box->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(folder.path());
+            box->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open)->click();
+        });
+        press(dialog, "btnBrowse");
+        focused = dialog.focusWidget()->objectName();
+        press(dialog, "btnOK");
+    });
+    QCOMPARE(focused, QStringLiteral("spnRate"));
+    QVERIFY(text.startsWith("<Folder>" + folder.path() + "</Folder>"));
 }
 
 void TestPackDialogs::testPatternDialogRoundTrips()

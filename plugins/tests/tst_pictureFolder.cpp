@@ -448,19 +448,20 @@ void TestPictureFolder::folderOfUnreadableFilesNeverBurnsTheProcessor()
 void TestPictureFolder::hugeHeaderIsRefusedBeforeDecoding()
 {
     write("2.png", QColor(2, 0, 0));
-    // A bitmap of 10000 x 10000 pixels that has no pixels at all.
-    QByteArray header("BM\x36\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0", 18);
-    for (int i = 0; i < 2; ++i)
-        header += QByteArray("\x10\x27\0\0", 4);
-    header += QByteArray("\x01\0\x18\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 28);
-    QFile file(m_pcDir->filePath("1.bmp"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(header), qint64(54));
-    file.close();
-    SourceInstance source(m_cLibrary, config());
-    source.start();
-    QCOMPARE(nextReds(source, 2), (QVector<int>{2, 2}));
-    QCOMPARE(source.lastError(), QStringLiteral("图片太大: 1.bmp"));
+    const QVector<QPair<QByteArray, QString>> sideAndBits{
+        {"102700001800", "图片太大: 1.bmp"}, {"ffffff7fffff", "无法读取图片: 1.bmp"}};  // the second beyond all numbers
+    for (const auto& [numbers, error] : sideAndBits) {
+        const QByteArray header = "424d36000000000000003600000028000000" + numbers.left(8) + numbers.left(8) + "0100" +
+                                  numbers.mid(8) + QByteArray(48, '0');
+        QFile file(m_pcDir->filePath("1.bmp"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(QByteArray::fromHex(header)), qint64(54));  // and no pixels at all
+        file.close();
+        SourceInstance source(m_cLibrary, config());
+        source.start();
+        QCOMPARE(nextReds(source, 2), (QVector<int>{2, 2}));
+        QCOMPARE(source.lastError(), error);
+    }
 }
 
 void TestPictureFolder::relativeFolderFollowsTheWorkingDirectory()

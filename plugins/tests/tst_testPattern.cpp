@@ -140,13 +140,14 @@ void TestTestPattern::digitsShowTheNumber()
     Picture picture;
     for (int i = 0; i <= 17; ++i)
         picture = source.waitFor("RGB");
-    // The last two digits of 00000017 lie at columns 4 + 6 * 6 and 4 + 7 * 6, rows 8 to 14.
+    // The number is (8 * 6 - 1) pixels wide and in the middle: its last two digits lie at columns 136 + 6 * 6 and
+    // 136 + 7 * 6, rows 8 to 14.
     const QStringList one{"  #  ", " ##  ", "  #  ", "  #  ", "  #  ", "  #  ", " ### "};
     const QStringList seven{"#####", "    #", "   # ", "  #  ", " #   ", " #   ", " #   "};
     for (int y = 0; y < 7; ++y) {
         for (int x = 0; x < 5; ++x) {
-            QCOMPARE(pixelOf(picture, 40 + x, 8 + y)[0] == 112, one[y][x] == '#');
-            QCOMPARE(pixelOf(picture, 46 + x, 8 + y)[0] == 112, seven[y][x] == '#');
+            QCOMPARE(pixelOf(picture, 172 + x, 8 + y)[0] == 112, one[y][x] == '#');
+            QCOMPARE(pixelOf(picture, 178 + x, 8 + y)[0] == 112, seven[y][x] == '#');
         }
     }
 }

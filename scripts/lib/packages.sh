@@ -8,8 +8,8 @@ BUILD_PACKAGES=(
     qtbase5-dev qtbase5-dev-tools libopencv-core-dev libopencv-imgproc-dev
 )
 
-# To run it: drawn icons, picture formats beyond Qt's own, a font with Chinese characters.
-RUN_PACKAGES=(libqt5svg5 qt5-image-formats-plugins fonts-wqy-microhei)
+# To run it: drawn icons, picture formats beyond Qt's own, Qt's own texts in Chinese, a font with Chinese characters.
+RUN_PACKAGES=(libqt5svg5 qt5-image-formats-plugins qttranslations5-l10n fonts-wqy-microhei)
 
 # To run it where only a Wayland display is offered.
 WAYLAND_PACKAGES=(qtwayland5)
@@ -21,7 +21,10 @@ DISPLAY_PACKAGES=(x11-utils)
 HEADLESS_PACKAGES=(xvfb xauth xdotool imagemagick x11-utils)
 
 # To run the tests and the checks beside them.
-TEST_PACKAGES=(git clang-format-14)
+TEST_PACKAGES=(git clang-14 clang-format-14 lld)
 
 # To measure speed.
 BENCH_PACKAGES=(libbenchmark-dev libopencv-imgcodecs-dev)
+
+# To fuzz: the compiler with the fuzzer and the checks.
+FUZZ_PACKAGES=(clang-14 libclang-rt-14-dev)

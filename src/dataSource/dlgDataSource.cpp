@@ -30,6 +30,8 @@ DlgDataSource::DlgDataSource(const QMap<QString, DataSource::DataSourceInfo*>* k
       m_pcKinds(kinds)
 {
     m_pcUi->setupUi(this);
+    // Its style leaves out the frame that the fields below have.
+    m_pcUi->edtSelectedSource->setMinimumHeight(m_pcUi->edtName->sizeHint().height());
     if (m_pcKinds)
         m_pcUi->lbSourceNames->addItems(m_pcKinds->keys());
     showSettings();
@@ -91,7 +93,7 @@ void DlgDataSource::useInstance(DataSource::DataSourceInstance* instance)
     setEnabled(false);
     m_pcInstance->showConfigWindow();
     setEnabled(true);
-    m_pcUi->btnSetting->setFocus();
+    m_pcUi->edtName->setFocus(Qt::TabFocusReason);
     const QString config = m_pcInstance->getConfigString();
     if (!config.isEmpty())
         m_strKindConfig = config;

@@ -4,6 +4,7 @@
 #include "drawing/drawing.h"
 #include "drawing/drawingConfigText.h"
 #include "drawing/drawingMessages.h"
+#include "forms/readOnlyField.h"
 #include "optionText.h"
 #include "paramStore/arithmParamMgr.h"
 #include "ui_dlgDrawingConfig.h"
@@ -20,6 +21,8 @@ DlgDrawingConfig::DlgDrawingConfig(QString option, ArithmParamMgr* store, QWidge
     : QDialog(parent), m_pcUi(std::make_unique<Ui::DlgDrawingConfig>()), m_pcStore(store)
 {
     m_pcUi->setupUi(this);
+    ReadOnlyField::show(m_pcUi->edtName);
+    ReadOnlyField::show(m_pcUi->edtDescribe);
     paintColorButtons();
     fillTables();
     showOption(option);
@@ -100,6 +103,7 @@ void DlgDrawingConfig::on_btnSelectElement_clicked()
     if (m_nRow != RecordTable::NoRow) {
         m_pcUi->edtName->setText(tableOf(m_nKind).text(m_nRow, 0));
         m_pcUi->edtDescribe->setText(tableOf(m_nKind).text(m_nRow, 1));
+        m_pcUi->btnOK->setFocus();
     }
     m_pcUi->cbDataType->setCurrentIndex(m_nKind);
 }

@@ -238,8 +238,10 @@ void DlgDrawingConfig::paintColorButtons()
 void DlgDrawingConfig::askColor(QPushButton* button)
 {
     const QColor color = QColorDialog::getColor(colorOf(button), this, QString(), QColorDialog::DontUseNativeDialog);
-    if (color.isValid())
-        setColor(button, color);
+    if (!color.isValid())
+        return;
+    setColor(button, color);
+    focusNextChild();
 }
 
 void DlgDrawingConfig::on_btnColorPoints_clicked()

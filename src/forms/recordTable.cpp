@@ -1,5 +1,7 @@
 #include "forms/recordTable.h"
 
+#include "forms/wholeTextTip.h"
+
 #include <QHeaderView>
 #include <QTableWidget>
 
@@ -15,6 +17,7 @@ RecordTable::RecordTable(QTableWidget* table) : m_pcTable(table)
     m_pcTable->verticalHeader()->hide();
     m_pcTable->horizontalHeader()->setStretchLastSection(true);
     m_pcTable->horizontalHeader()->setHighlightSections(false);
+    m_pcTable->setItemDelegate(new WholeTextTip(m_pcTable));
 }
 
 int RecordTable::idOfRow(int row, int none) const

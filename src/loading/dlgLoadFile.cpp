@@ -1,5 +1,6 @@
 #include "loading/dlgLoadFile.h"
 
+#include "forms/readOnlyField.h"
 #include "loading/loadingMessages.h"
 #include "loading/loadingOption.h"
 #include "loading/pictureReader.h"
@@ -29,6 +30,8 @@ DlgLoadFile::DlgLoadFile(QString config, ArithmParamMgr* store, QWidget* parent)
       m_pcStore(store)
 {
     m_pcUi->setupUi(this);
+    ReadOnlyField::show(m_pcUi->edtFilePath);
+    m_pcUi->btnBrowser->setFocus();
     parseConfigString();
 }
 
@@ -140,8 +143,11 @@ void DlgLoadFile::on_btnBrowser_clicked()
     const QString path =
         QFileDialog::getOpenFileName(this, LoadingMessages::openCaption(), QStringLiteral("."),
                                      LoadingMessages::openFilter(), nullptr, QFileDialog::DontUseNativeDialog);
-    if (!path.isEmpty())
-        setCurFile(path);
+    if (path.isEmpty())
+        return;
+    setCurFile(path);
+    if (!m_pcUi->edtFilePath->text().isEmpty())
+        m_pcUi->edtOutputName->setFocus(Qt::TabFocusReason);
 }
 
 void DlgLoadFile::on_btnOK_clicked()

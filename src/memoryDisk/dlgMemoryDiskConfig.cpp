@@ -1,6 +1,7 @@
 #include "memoryDisk/dlgMemoryDiskConfig.h"
 
 #include "configDialog.h"
+#include "forms/readOnlyField.h"
 #include "memoryDisk/memoryDisk.h"
 #include "memoryDisk/memoryDiskMessages.h"
 #include "memoryDisk/memoryDiskOption.h"
@@ -41,6 +42,8 @@ DlgMemoryDiskConfig::DlgMemoryDiskConfig(QString config, ArithmParamMgr* store, 
       m_cGray8(m_pcUi->tblGray8),
       m_pcStore(store)
 {
+    ReadOnlyField::show(m_pcUi->edtType);
+    ReadOnlyField::show(m_pcUi->edtName);
     if (m_pcStore) {
         m_cRGB.fill(m_pcStore->requestParamDIBMap());
         m_cGray8.fill(m_pcStore->requestParamGray8Map());

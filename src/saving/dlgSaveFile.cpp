@@ -32,6 +32,7 @@ DlgSaveFile::DlgSaveFile(QString config, ArithmParamMgr* store, QWidget* parent)
 {
     m_pcUi->setupUi(this);
     on_cmbWnd_currentIndexChanged(m_pcUi->cmbWnd->currentIndex());
+    m_pcUi->edtStringID->setFocus();  // the table above it only helps to fill it in
     listStrings();
     parseConfigString();
 }
@@ -114,8 +115,10 @@ void DlgSaveFile::on_btnBrowser_clicked()
     // Qt's own dialog is the same on a board without a desktop.
     const QString path = QFileDialog::getExistingDirectory(
         this, SavingMessages::folderCaption(), QString(), QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
-    if (!path.isEmpty())
-        m_pcUi->edtBasePath->setText(path);
+    if (path.isEmpty())
+        return;
+    m_pcUi->edtBasePath->setText(path);
+    m_pcUi->cmbWnd->setFocus();
 }
 
 void DlgSaveFile::on_btnSelectPic_clicked()
@@ -126,6 +129,7 @@ void DlgSaveFile::on_btnSelectPic_clicked()
     m_pcUi->edtPicType->setText(dialog.getSelectedTab() == DlgSelectPic::GreyTab ? QStringLiteral("Gray")
                                                                                  : QStringLiteral("RGB"));
     m_pcUi->edtSelectedPicID->setText(QString::number(dialog.getSelectedID()));
+    m_pcUi->btnOK->setFocus();
 }
 
 void DlgSaveFile::on_cmbWnd_currentIndexChanged(int index)

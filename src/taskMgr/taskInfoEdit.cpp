@@ -97,6 +97,8 @@ void TaskInfo::buildContextMenu(QTableWidget* table)
             m_mapActions.insert(target.of(className, this)->addAction(arithmName), item);
         }
     }
+    for (QMenu* target : {plain.m_pcTarget, extension.m_pcTarget})
+        target->setEnabled(!target->isEmpty());
     menu->addSeparator();
     menu->addAction(TaskMessages::menuModify(), this, SLOT(modifyOption()));
     menu->addAction(TaskMessages::menuDelete(), this, SLOT(delArithm()));

@@ -144,6 +144,19 @@ private Q_SLOTS:
         QCOMPARE(dialog.getConfigString(), text);
     }
 
+    void chosenSourceLeadsOnToItsName()
+    {
+        DlgDataSource dialog(m_pcKinds, m_pcStore, savedText("Memory Disk 2", "RGB", "3", ""), nullptr);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        child<QWidget>(dialog, "btnSetting")->setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QCOMPARE(child<QLineEdit>(dialog, "edtSelectedSource")->text(), QStringLiteral("Memory Disk 2"));
+        QCOMPARE(dialog.focusWidget()->objectName(), QStringLiteral("edtName"));
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+        QCOMPARE(dialog.result(), static_cast<int>(QDialog::Accepted));
+    }
+
     void kindIsSelectedByItsExactNameOnly()
     {
         DlgDataSource dialog(m_pcKinds, m_pcStore, savedText("memory disk 2", "RGB", "3", ""), nullptr);

@@ -5,6 +5,7 @@
 #include "memoryDisk/dlgMemoryDiskStatus.h"
 #include "paramStore/arithmParamMgr.h"
 
+#include <QColorDialog>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -213,6 +214,90 @@ private Q_SLOTS:
         QApplication::setActiveWindow(dialog.get());
         openPage(*dialog, page);
         QCOMPARE(tabOrder(*dialog).join(' '), fields.join(' '));
+    }
+
+    void firstFieldHasTheKeyboard_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::newRow("memoryDiskConfig") << "qt_tabwidget_tabbar";
+        QTest::newRow("memoryDiskStatus") << "cmbMemDisk0";
+        QTest::newRow("dataSource") << "lbSourceNames";
+        QTest::newRow("drawing") << "qt_tabwidget_tabbar";
+    }
+    void firstFieldHasTheKeyboard()
+    {
+        QFETCH(QString, field);
+        const std::unique_ptr<QDialog> dialog = make(QLatin1String(QTest::currentDataTag()), m_pcStore);
+        dialog->show();
+        QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
+        QCOMPARE(QApplication::focusWidget()->objectName(), field);
+    }
+
+    void fieldsThatOnlyShowSomethingHaveTheGroundOfTheWindow_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::newRow("memoryDiskConfig") << "edtType";
+        QTest::newRow("drawing") << "edtDescribe";
+    }
+    void fieldsThatOnlyShowSomethingHaveTheGroundOfTheWindow()
+    {
+        QFETCH(QString, field);
+        const std::unique_ptr<QDialog> dialog = make(QLatin1String(QTest::currentDataTag()), m_pcStore);
+        for (const QString& name : {field, QStringLiteral("edtName")}) {
+            const auto* edit = dialog->findChild<QLineEdit*>(name);
+            QVERIFY(edit->isReadOnly());
+            QCOMPARE(edit->palette().color(QPalette::Base), dialog->palette().color(QPalette::Window));
+        }
+    }
+
+    void chosenSourceStandsAsHighAsTheFieldsBelow()
+    {
+        const std::unique_ptr<QDialog> dialog = make(QStringLiteral("dataSource"), m_pcStore);
+        dialog->show();
+        const auto* chosen = child<QLineEdit>(*dialog, "edtSelectedSource");
+        const auto* name = child<QLineEdit>(*dialog, "edtName");
+        const auto* describe = child<QLineEdit>(*dialog, "edtDescribe");
+        QCOMPARE(chosen->height(), name->height());
+        QCOMPARE(name->y() - chosen->y(), describe->y() - name->y());
+    }
+
+    void groupsOfTheStatusWindowEndBelowTheirButtons()
+    {
+        const std::unique_ptr<QDialog> dialog = make(QStringLiteral("memoryDiskStatus"), m_pcStore);
+        dialog->show();
+        for (const int more : {0, 150}) {
+            dialog->resize(dialog->width(), dialog->height() + more);
+            QCoreApplication::processEvents();
+            const auto* group = child<QGroupBox>(*dialog, "groupBox");
+            const auto* button = child<QPushButton>(*dialog, "btnClear0");
+            QVERIFY(group->height() - button->geometry().bottom() < button->height());
+        }
+    }
+
+    void appliedRecordLeadsOnToOK()
+    {
+        const std::unique_ptr<QDialog> dialog = make(QStringLiteral("drawing"), m_pcStore);
+        dialog->show();
+        QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
+        clickCell(child<QTableWidget>(*dialog, "tblRGB"), 0);
+        child<QWidget>(*dialog, "btnSelectElement")->setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QCOMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("btnOK"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QCOMPARE(dialog->result(), static_cast<int>(QDialog::Accepted));
+    }
+
+    void chosenColourLeadsOn()
+    {
+        const std::unique_ptr<QDialog> dialog = make(QStringLiteral("drawing"), m_pcStore);
+        dialog->show();
+        QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
+        openPage(*dialog, 7);
+        const WhenModal<QColorDialog> colours([](QColorDialog& box) { box.accept(); });
+        child<QWidget>(*dialog, "btnColorStrings")->setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QVERIFY(colours.came());
+        QCOMPARE(dialog->focusWidget()->objectName(), QStringLiteral("edtPosX"));
     }
 
 private:

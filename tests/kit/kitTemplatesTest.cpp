@@ -189,6 +189,7 @@ void KitTemplatesTest::executeInvertsThePicture()
     QCOMPARE(output->getWidth(), 3);
     QCOMPARE(output->getHeight(), 2);
     QCOMPARE(output->getName(), QStringLiteral("灰度取反"));
+    QCOMPARE(output->getDescribe(), QStringLiteral("灰度取反的结果"));
     QCOMPARE(QByteArray(reinterpret_cast<const char*>(output->getGray8()), 6),
              QByteArray("\xff\xfe\x80\x7f\x01\x00", 6));
 }

@@ -370,14 +370,44 @@ private Q_SLOTS:
         DlgLoadFile dialog(QString(), m_cStore.get(), nullptr);
         dialog.show();
         QVERIFY(QTest::qWaitForWindowActive(&dialog));
-        child<QWidget>(dialog, "edtFilePath")->setFocus();
         QStringList visited;
         for (int i = 0; i < 6; ++i) {
             visited += dialog.focusWidget()->objectName();
             QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
         }
         QCOMPARE(visited,
-                 (QStringList{"edtFilePath", "btnBrowser", "edtOutputName", "edtPicDescribe", "rbRGB", "btnOK"}));
+                 (QStringList{"btnBrowser", "edtOutputName", "edtPicDescribe", "rbRGB", "btnOK", "btnCancel"}));
+        QCOMPARE(dialog.focusWidget()->objectName(), QStringLiteral("btnBrowser"));
+    }
+
+    void pathLooksAsThoughNobodyTypesIntoIt()
+    {
+        const DlgLoadFile dialog(QString(), m_cStore.get(), nullptr);
+        const auto* path = dialog.findChild<QLineEdit*>(QStringLiteral("edtFilePath"));
+        QVERIFY(path->isReadOnly());
+        QCOMPARE(path->palette().color(QPalette::Base), dialog.palette().color(QPalette::Window));
+        QVERIFY(path->palette().color(QPalette::Base) != dialog.palette().color(QPalette::Base));
+    }
+
+    void chosenFileLeadsOnToTheName()
+    {
+        SKIP_WHERE_FILE_DIALOG_IS_NOT_SEEN_RIGHTLY();
+        DlgLoadFile dialog(QString(), m_cStore.get(), nullptr);
+        dialog.show();
+        browse(dialog, m_strPath);
+        QCOMPARE(dialog.focusWidget()->objectName(), QStringLiteral("edtOutputName"));
+        QTest::keyClicks(dialog.focusWidget(), QStringLiteral("src"));
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+        QCOMPARE(dialog.result(), int{QDialog::Accepted});
+    }
+
+    void returnKeyIsOKOnTheFileButtonToo()
+    {
+        DlgLoadFile dialog(optionText(m_strPath, 0, 7), m_cStore.get(), nullptr);
+        dialog.show();
+        child<QWidget>(dialog, "btnBrowser")->setFocus();
+        QTest::keyClick(child<QWidget>(dialog, "btnBrowser"), Qt::Key_Return);
+        QCOMPARE(dialog.result(), int{QDialog::Accepted});
     }
 
     void nothingIsClippedOnASmallScreen()

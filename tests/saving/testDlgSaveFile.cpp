@@ -241,6 +241,7 @@ private Q_SLOTS:
         click(dialog, "btnBrowser");
         QVERIFY(browser.came());
         QCOMPARE(textOf(dialog, "edtBasePath"), folder.path());
+        QCOMPARE(dialog.focusWidget()->objectName(), QStringLiteral("cmbWnd"));
 
         InDialog<QFileDialog> cancelled(
             [](QFileDialog& box) { FileDialog::answer(box, "/", QDialogButtonBox::Cancel); });
@@ -282,6 +283,23 @@ private Q_SLOTS:
         QTEST(textOf(dialog, "edtSelectedPicID"), "id");
     }
 
+    void chosenPictureLeadsOnToOK()
+    {
+        m_cStore->getParamDIB(2);
+        DlgSaveFile dialog(RecordText, m_cStore.get(), nullptr);
+        dialog.show();
+        InDialog<DlgSelectPic> chooser([](DlgSelectPic& box) {
+            clickCell(child<QTableWidget>(box, "tblRGB"), 0);
+            click(box, "btnOK");
+        });
+        child<QWidget>(dialog, "btnSelectPic")->setFocus();
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Space);
+        QVERIFY(chooser.came());
+        QCOMPARE(dialog.focusWidget()->objectName(), QStringLiteral("btnOK"));
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+        QCOMPARE(dialog.result(), int{QDialog::Accepted});
+    }
+
     void cancelledChoiceLeavesThePicture()
     {
         m_cStore->getParamDIB(2);
@@ -318,13 +336,33 @@ private Q_SLOTS:
         QVERIFY(user.came());
     }
 
+    void returnKeyIsOK_data()
+    {
+        QTest::addColumn<int>("unused");
+        for (const char* name : {"edtBasePath", "btnBrowser", "btnSelectPic", "cmbWnd"})
+            QTest::newRow(name) << 0;
+    }
+
     void returnKeyIsOK()
     {
         DlgSaveFile dialog(RecordText, m_cStore.get(), nullptr);
         dialog.show();
-        child<QWidget>(dialog, "edtBasePath")->setFocus();
-        QTest::keyClick(child<QWidget>(dialog, "edtBasePath"), Qt::Key_Return);
+        auto* field = child<QWidget>(dialog, QTest::currentDataTag());
+        field->setFocus();
+        QTest::keyClick(field, Qt::Key_Return);
         QCOMPARE(dialog.result(), int{QDialog::Accepted});
+    }
+
+    void firstFieldIsTheNameOfTheFile()
+    {
+        QString focused;
+        InDialog<DlgSaveFile> user([&focused](DlgSaveFile& dialog) {
+            QVERIFY(QTest::qWaitForWindowActive(&dialog));
+            focused = QApplication::focusWidget()->objectName();
+        });
+        QCOMPARE(configure<Saving>(QString(), m_cStore.get()), QString());
+        QVERIFY(user.came());
+        QCOMPARE(focused, QStringLiteral("edtStringID"));
     }
 
     void tabVisitsTheFieldsInOrder()

@@ -43,6 +43,7 @@ private Q_SLOTS:
     void cleanupTestCase();
 
     void menuOffersAlgorithmsByClassAndTheCommands();
+    void menuOfExtensionAlgorithmsIsEnabledOnceThereIsOne();
     void menuIsBuiltOnceAndReused();
     void menuOpensWhereTheClickWas();
     void menuIsBuiltAgainForANewTable();
@@ -107,6 +108,17 @@ void tstEditing::menuOffersAlgorithmsByClassAndTheCommands()
     QCOMPARE(captions(subMenu(plain, QStringLiteral("Test"))), QStringList{QStringLiteral("Probe")});
     QCOMPARE(captions(extension), QStringList{QStringLiteral("Test")});
     QCOMPARE(captions(subMenu(extension, QStringLiteral("Test"))), QStringList{QStringLiteral("Extension Probe")});
+}
+
+void tstEditing::menuOfExtensionAlgorithmsIsEnabledOnceThereIsOne()
+{
+    auto task = makeTask({});
+    const Tab tab(*task);
+
+    const QMenu* menu = openedMenu(tab);
+
+    QVERIFY(entry(menu, QStringLiteral("添加算法"))->isEnabled());
+    QVERIFY(entry(menu, QStringLiteral("添加扩展算法"))->isEnabled());
 }
 
 void tstEditing::menuIsBuiltOnceAndReused()

@@ -1,7 +1,10 @@
 #include "windowFixture.h"
 
 #include <QHeaderView>
+#include <QHelpEvent>
+#include <QMenu>
 #include <QStyle>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include <unistd.h>
@@ -17,6 +20,8 @@ private Q_SLOTS:
     void threadComboHasOneEntryForEachConfiguredProcessor();
     void flowTableHasItsHeadersWidthsAndTip();
     void headersFitIntoTheirColumns();
+    void countThatIsCutOffIsShownWholeInATip();
+    void menuOfExtensionAlgorithmsIsDisabledWhileThereIsNone();
     void addedTabBecomesCurrentAndItsIndexTheId();
     void emptyNameIsAllowed();
     void cancelledNameAddsNothing();
@@ -46,6 +51,15 @@ namespace {
 int threadNum()
 {
     return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+}
+
+/// What comes up while the mouse rests on a cell.
+QString tipOver(QTableWidget& table, int row, int column)
+{
+    const QPoint place = table.visualItemRect(table.item(row, column)).center();
+    QHelpEvent help(QEvent::ToolTip, place, table.viewport()->mapToGlobal(place));
+    QApplication::sendEvent(table.viewport(), &help);
+    return QToolTip::text();
 }
 
 const QString Start = QStringLiteral("执行任务");
@@ -132,6 +146,36 @@ void TestWindowTasks::headersFitIntoTheirColumns()
         const QString text = table->horizontalHeaderItem(column)->text();
         QVERIFY(header->fontMetrics().horizontalAdvance(text) + 2 * margin <= table->columnWidth(column));
     }
+}
+
+void TestWindowTasks::countThatIsCutOffIsShownWholeInATip()
+{
+    const WindowFixture fixture;
+    const QString path = m_pcFolder->filePath(QStringLiteral("counts.lmv"));
+    writeFile(path, taskWithoutSource("a", stepOf("Id", "一", "999999999") + stepOf("Id", "二", "3")));
+    QVERIFY(fixture.open(path));
+    QTableWidget* const table = fixture.table(0);
+
+    QCOMPARE(tipOver(*table, 0, 1), QStringLiteral("999999999"));
+    QCOMPARE(tipOver(*table, 1, 1), QStringLiteral("次数999999999(9个9)表示任务结束时才执行的算法"));
+    QCOMPARE(tipOver(*table, 0, 0), QStringLiteral("一"));
+    QCOMPARE(table->columnWidth(1), 35);
+}
+
+void TestWindowTasks::menuOfExtensionAlgorithmsIsDisabledWhileThereIsNone()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QStringLiteral("a")));
+    Q_EMIT fixture.table(0)->customContextMenuRequested(QPoint(5, 5));
+    auto* const menu = fixture.table(0)->findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+    QVERIFY(menu != nullptr);
+    const QList<QAction*> actions = menu->actions();
+
+    QCOMPARE(actions.at(0)->text(), QStringLiteral("添加算法"));
+    QVERIFY(actions.at(0)->isEnabled());
+    QCOMPARE(actions.at(1)->text(), QStringLiteral("添加扩展算法"));
+    QVERIFY(!actions.at(1)->isEnabled());
+    menu->close();
 }
 
 void TestWindowTasks::addedTabBecomesCurrentAndItsIndexTheId()

@@ -21,14 +21,13 @@ QString BlurDialog::acceptedOption()
     m_cOption.method = m_pcMethod->currentIndex();
     m_cOption.size = m_pcSize->value() | 1;
     m_cOption.output.rename(m_pcOutput->text());
-    const QString describe = QStringLiteral("模糊的结果");
     // The output keeps its identifier when the kind of the input changes; its old record must not stay beside it.
     if (m_cOption.input.kind == PictureKind::Colour) {
         store().removeParamGray8(m_cOption.output.id);
-        m_cOption.output.make(store(), &ArithmParamMgr::getParamDIB, describe);
+        m_cOption.output.make(store(), &ArithmParamMgr::getParamDIB);
     } else {
         store().removeParamDIB(m_cOption.output.id);
-        m_cOption.output.make(store(), &ArithmParamMgr::getParamGray8, describe);
+        m_cOption.output.make(store(), &ArithmParamMgr::getParamGray8);
     }
     return m_cOption.write();
 }

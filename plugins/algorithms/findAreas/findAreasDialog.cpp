@@ -37,8 +37,8 @@ QString FindAreasDialog::acceptedOption()
     m_cOption.whenNone = m_pcWhenNone->currentIndex();
     m_cOption.skipSteps = m_pcSkipSteps->value();
     m_cOption.areas.rename(m_pcAreas->text());
-    m_cOption.areas.make(store(), &ArithmParamMgr::getParamAreas, QStringLiteral("查找区域的结果"));
+    m_cOption.areas.make(store(), &ArithmParamMgr::getParamAreas);
     m_cOption.count.rename(m_pcCount->text());
-    m_cOption.count.make(store(), &ArithmParamMgr::getParamStrings, QStringLiteral("查找区域的个数"));
+    m_cOption.count.make(store(), &ArithmParamMgr::getParamStrings);
     return m_cOption.write();
 }

@@ -5,8 +5,10 @@ FindAreasOption FindAreasOption::read(const QString& text)
     const TaggedReader reader(text);
     FindAreasOption option;
     option.input.id = PictureRef::read(reader, PictureKind::Gray).id;
-    option.areas = OutputRef::read(reader, QStringLiteral("Areas"), QStringLiteral("区域"));
-    option.count = OutputRef::read(reader, QStringLiteral("Count"), QStringLiteral("区域数"));
+    option.areas =
+        OutputRef::read(reader, QStringLiteral("Areas"), QStringLiteral("区域"), QStringLiteral("查找区域的结果"));
+    option.count =
+        OutputRef::read(reader, QStringLiteral("Count"), QStringLiteral("区域数"), QStringLiteral("查找区域的个数"));
     option.minSize = reader.number(QStringLiteral("MinSize"), option.minSize, 1, LargestSize);
     option.maxSize = reader.number(QStringLiteral("MaxSize"), option.maxSize, 0, LargestSize);
     option.print = reader.flag(QStringLiteral("Print"), option.print);

@@ -20,6 +20,6 @@ QString FindContoursDialog::acceptedOption()
     m_cOption.minPoints = m_pcMinPoints->value();
     m_cOption.tolerance = m_pcTolerance->value();
     m_cOption.output.rename(m_pcOutput->text());
-    m_cOption.output.make(store(), &ArithmParamMgr::getParamPolys, QStringLiteral("查找轮廓的结果"));
+    m_cOption.output.make(store(), &ArithmParamMgr::getParamPolys);
     return m_cOption.write();
 }

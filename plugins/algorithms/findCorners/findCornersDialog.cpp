@@ -20,6 +20,6 @@ QString FindCornersDialog::acceptedOption()
     m_cOption.quality = m_pcQuality->value();
     m_cOption.minDistance = m_pcMinDistance->value();
     m_cOption.output.rename(m_pcOutput->text());
-    m_cOption.output.make(store(), &ArithmParamMgr::getParamPoints, QStringLiteral("查找角点的结果"));
+    m_cOption.output.make(store(), &ArithmParamMgr::getParamPoints);
     return m_cOption.write();
 }

@@ -24,6 +24,6 @@ QString FindLinesDialog::acceptedOption()
     m_cOption.minLength = m_pcMinLength->value();
     m_cOption.maxGap = m_pcMaxGap->value();
     m_cOption.output.rename(m_pcOutput->text());
-    m_cOption.output.make(store(), &ArithmParamMgr::getParamLines, QStringLiteral("查找直线的结果"));
+    m_cOption.output.make(store(), &ArithmParamMgr::getParamLines);
     return m_cOption.write();
 }

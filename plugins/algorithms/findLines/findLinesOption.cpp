@@ -5,7 +5,8 @@ FindLinesOption FindLinesOption::read(const QString& text)
     const TaggedReader reader(text);
     FindLinesOption option;
     option.input.id = PictureRef::read(reader, PictureKind::Gray).id;
-    option.output = OutputRef::read(reader, QStringLiteral("Lines"), QStringLiteral("直线"));
+    option.output =
+        OutputRef::read(reader, QStringLiteral("Lines"), QStringLiteral("直线"), QStringLiteral("查找直线的结果"));
     option.lowEdge = reader.number(QStringLiteral("LowEdge"), option.lowEdge, 0, 9999);
     option.highEdge = reader.number(QStringLiteral("HighEdge"), option.highEdge, 0, 9999);
     option.votes = reader.number(QStringLiteral("Votes"), option.votes, 1, 99999);

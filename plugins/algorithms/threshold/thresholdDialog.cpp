@@ -38,6 +38,6 @@ QString ThresholdDialog::acceptedOption()
     m_cOption.offset = m_pcOffset->value();
     m_cOption.invert = m_pcInvert->isChecked();
     m_cOption.output.rename(m_pcOutput->text());
-    m_cOption.output.make(store(), &ArithmParamMgr::getParamGray8, QStringLiteral("二值化的结果"));
+    m_cOption.output.make(store(), &ArithmParamMgr::getParamGray8);
     return m_cOption.write();
 }

@@ -5,7 +5,8 @@ ThresholdOption ThresholdOption::read(const QString& text)
     const TaggedReader reader(text);
     ThresholdOption option;
     option.input.id = PictureRef::read(reader, PictureKind::Gray).id;
-    option.output = OutputRef::read(reader, QStringLiteral("Output"), QStringLiteral("二值图"));
+    option.output =
+        OutputRef::read(reader, QStringLiteral("Output"), QStringLiteral("二值图"), QStringLiteral("二值化的结果"));
     option.method = reader.number(QStringLiteral("Method"), option.method, Fixed, Adaptive);
     option.value = reader.number(QStringLiteral("Value"), option.value, 0, 255);
     option.blockSize = reader.number(QStringLiteral("BlockSize"), option.blockSize, SmallestBlock, LargestBlock) | 1;

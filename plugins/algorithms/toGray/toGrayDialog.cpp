@@ -13,6 +13,6 @@ QString ToGrayDialog::acceptedOption()
 {
     m_cOption.input = input();
     m_cOption.output.rename(m_pcOutput->text());
-    m_cOption.output.make(store(), &ArithmParamMgr::getParamGray8, QStringLiteral("彩色转灰度的结果"));
+    m_cOption.output.make(store(), &ArithmParamMgr::getParamGray8);
     return m_cOption.write();
 }

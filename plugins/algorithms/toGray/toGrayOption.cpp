@@ -5,7 +5,8 @@ ToGrayOption ToGrayOption::read(const QString& text)
     const TaggedReader reader(text);
     ToGrayOption option;
     option.input.id = PictureRef::read(reader, PictureKind::Colour).id;
-    option.output = OutputRef::read(reader, QStringLiteral("Output"), QStringLiteral("灰度图"));
+    option.output =
+        OutputRef::read(reader, QStringLiteral("Output"), QStringLiteral("灰度图"), QStringLiteral("彩色转灰度的结果"));
     return option;
 }
 

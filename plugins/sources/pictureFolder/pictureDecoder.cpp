@@ -50,7 +50,9 @@ bool isCutBitmap(QFile& file)
     const bool isPlain = number(14) >= 40 && (number(30) == 0 || number(30) == 3);
     const qint64 bits = qFromLittleEndian<quint16>(header.constData() + 28);
     const qint64 stride = (number(18) * bits + 31) / 32 * 4;
-    return isPlain && file.size() < quint32(number(10)) + stride * std::abs(qint64{number(22)});
+    const qint64 rows = std::abs(qint64{number(22)});
+    // By division: what a damaged header says may be too large to multiply.
+    return isPlain && rows > 0 && (file.size() - quint32(number(10))) / rows < stride;
 }
 
 void copyGrayRow(const QImage& image, int y, unsigned char* target)

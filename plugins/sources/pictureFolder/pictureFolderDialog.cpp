@@ -36,6 +36,8 @@ void PictureFolderDialog::browse()
     const QString folder =
         QFileDialog::getExistingDirectory(this, QStringLiteral("选择图片文件夹"), m_pcUi->edtFolder->text(),
                                           QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
-    if (!folder.isEmpty())
-        m_pcUi->edtFolder->setText(folder);
+    if (folder.isEmpty())
+        return;
+    m_pcUi->edtFolder->setText(folder);
+    m_pcUi->spnRate->setFocus(Qt::TabFocusReason);
 }

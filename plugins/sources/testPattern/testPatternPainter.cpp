@@ -83,7 +83,7 @@ void paintText(Canvas& canvas, const Scene& scene, std::uint32_t number)
 {
     const int scale = textScale(scene);
     for (int i = 0; i < DigitCount; ++i)
-        paintDigit(canvas, digitOf(number, i), TextLeft + i * (DigitWidth + 1) * scale, scale);
+        paintDigit(canvas, digitOf(number, i), textLeft(scene) + i * (DigitWidth + 1) * scale, scale);
 }
 
 /// The largest n with n * n <= square.

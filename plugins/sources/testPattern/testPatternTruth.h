@@ -56,13 +56,18 @@ constexpr Colour TextColour{112, 112, 112};
 constexpr int DigitCount = 8;
 constexpr int DigitWidth = 5;   ///< In dots of textScale pixels.
 constexpr int DigitHeight = 7;  ///< In dots.
-constexpr int TextLeft = 4;
 constexpr int TextTop = 2 * MarkSize;
 
 /// Pixels of one dot of a digit.
 constexpr int textScale(const Scene& scene)
 {
     return std::clamp(scene.height / 160, 1, 8);
+}
+
+/// Where the number begins: in the middle, because views have their captions in the corner.
+constexpr int textLeft(const Scene& scene)
+{
+    return std::max(0, (scene.width - (DigitCount * (DigitWidth + 1) - 1) * textScale(scene)) / 2);
 }
 
 /// The first row below marks and text.

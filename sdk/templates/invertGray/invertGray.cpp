@@ -33,11 +33,13 @@ std::string writeOption(int inputID, int outputID)
     return "<InputID>" + std::to_string(inputID) + "</InputID><OutputID>" + std::to_string(outputID) + "</OutputID>";
 }
 
-/// The output record, named: the workbench empties the store from time to time, and names go with it.
+/// The output record, labelled: the workbench empties the store from time to time, and names and descriptions go with
+/// it.
 ParamGray8* makeOutput(ArithmParamMgr* store, int id)
 {
     ParamGray8* output = store->getParamGray8(id);
     output->setName(QStringLiteral("灰度取反"));
+    output->setDescribe(QStringLiteral("灰度取反的结果"));
     return output;
 }
 
