@@ -11,9 +11,11 @@ set(LUMIVANT_TEST_ENV
     "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
     "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp:second_deadlock_stack=1:history_size=4:allocator_may_return_null=1")
 
-lumivant_header_owner(lumivantTestHeaders
-    LIBRARIES lumivantTestSupport Qt5::Widgets Qt5::Test
-    HEADERS ${LUMIVANT_TEST_HEADERS})
+if(NOT TARGET lumivantTestHeaders)  # this file is read in each folder that has tests
+    lumivant_header_owner(lumivantTestHeaders
+        LIBRARIES lumivantTestSupport Qt5::Widgets Qt5::Test
+        HEADERS ${LUMIVANT_TEST_HEADERS})
+endif()
 
 function(lumivant_add_test name)
     cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES;DEPENDS" ${ARGN})
