@@ -45,7 +45,9 @@ ExternalProject_Add(lumivantPack
 
 if(LUMIVANT_TESTS)
     enable_testing()
+    set(pack_processors 2)
     add_test(NAME plugin_pack
-        COMMAND "${CMAKE_CTEST_COMMAND}" --test-dir "${pack_build_dir}" --output-on-failure --no-tests=error)
-    set_tests_properties(plugin_pack PROPERTIES TIMEOUT 900)
+        COMMAND "${CMAKE_CTEST_COMMAND}" --test-dir "${pack_build_dir}" --parallel ${pack_processors}
+            --output-on-failure --no-tests=error)
+    set_tests_properties(plugin_pack PROPERTIES TIMEOUT 900 PROCESSORS ${pack_processors})
 endif()

@@ -34,9 +34,9 @@ target_compile_options(lumivant_options INTERFACE
     $<$<CONFIG:Debug>:-Og>)
 
 if(LUMIVANT_SANITIZE STREQUAL "address")
-    set(_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=undefined)
+    set(_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
 elseif(LUMIVANT_SANITIZE STREQUAL "undefined")
-    set(_sanitizers -fsanitize=undefined -fno-sanitize-recover=undefined)
+    set(_sanitizers -fsanitize=undefined -fno-sanitize-recover=all)
 elseif(LUMIVANT_SANITIZE STREQUAL "thread")
     set(_sanitizers -fsanitize=thread)
 elseif(LUMIVANT_SANITIZE STREQUAL "fuzzer")

@@ -20,9 +20,9 @@ target_compile_options(pack_options INTERFACE
 target_link_options(pack_options INTERFACE "LINKER:--as-needed")
 
 if(LUMIVANT_SANITIZE STREQUAL "address")
-    set(_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=undefined)
+    set(_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
 elseif(LUMIVANT_SANITIZE STREQUAL "undefined")
-    set(_sanitizers -fsanitize=undefined -fno-sanitize-recover=undefined)
+    set(_sanitizers -fsanitize=undefined -fno-sanitize-recover=all)
 elseif(LUMIVANT_SANITIZE STREQUAL "thread")
     set(_sanitizers -fsanitize=thread)
 elseif(LUMIVANT_SANITIZE)

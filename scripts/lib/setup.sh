@@ -73,8 +73,17 @@ configure_and_build() {
     local build=(cmake --build --preset "$preset")
     [[ $# -eq 0 ]] || build+=(--target "$@")
     [[ -d "build/$preset" ]] || say "Building ($preset); the first time takes some minutes."
-    run_logged "build/$preset-configure.log" "Configuring ($preset)" cmake --preset "$preset"
+    # The build itself configures anew when a CMake file changed; the presets it does not look at.
+    [[ "build/$preset/build.ninja" -nt CMakePresets.json ]] ||
+        run_logged "build/$preset-configure.log" "Configuring ($preset)" cmake --preset "$preset"
     run_logged "build/$preset-build.log" "Building ($preset)" "${build[@]}"
+}
+
+# run_tests PRESET [ARGUMENT…]: every test of a build, as many at a time as there are processors; arguments go to ctest.
+run_tests() {
+    local preset="$1"
+    shift
+    ctest --test-dir "build/$preset" --parallel "$(nproc)" --output-on-failure --no-tests=error "$@"
 }
 
 mkdir -p build
