@@ -1,6 +1,7 @@
 #pragma once
 
 #include "drawing/drawing.h"
+#include "threadGuards.h"
 
 #include <QMutex>
 #include <QObject>
@@ -43,22 +44,21 @@ public:
     /// What one view shares with the task threads.
     struct ViewDrawOption
     {
-        QMutex m_cMutex;                                               ///< Guards the queue.
-        int m_nCount = 0;                                              ///< Options queued, 0 to QueueLength.
-        std::array<Drawing::DrawingOpt*, QueueLength> m_apcOptions{};  ///< Owned; slot 0 is the oldest.
-        int m_nCanvasWidth = 0;                                        ///< Pixels; 0 until the view reports its size.
+        QMutex m_cMutex;                        ///< Taken with the view's mutex held, so that the record stays.
+        int m_nCount GUARDED_BY(m_cMutex) = 0;  ///< Options queued, 0 to QueueLength.
+        /// Owned; slot 0 is the oldest.
+        std::array<Drawing::DrawingOpt*, QueueLength> m_apcOptions GUARDED_BY(m_cMutex){};
+        int m_nCanvasWidth = 0;  ///< Pixels; 0 until the view reports its size. Guarded by the view's mutex.
         int m_nCanvasHeight = 0;
 
-        // Each with m_cMutex held by the caller.
-
         /// Puts an option at the end; a full queue gives its oldest back, for the caller to delete.
-        std::unique_ptr<Drawing::DrawingOpt> append(std::unique_ptr<Drawing::DrawingOpt> option);
+        std::unique_ptr<Drawing::DrawingOpt> append(std::unique_ptr<Drawing::DrawingOpt> option) REQUIRES(m_cMutex);
 
         /// Takes the oldest option off; null when none waits.
-        std::unique_ptr<Drawing::DrawingOpt> takeOldest();
+        std::unique_ptr<Drawing::DrawingOpt> takeOldest() REQUIRES(m_cMutex);
 
         /// Takes every option off that reads from the store; the others keep their order.
-        std::vector<std::unique_ptr<Drawing::DrawingOpt>> takeAllOf(const ArithmParamMgr* store);
+        std::vector<std::unique_ptr<Drawing::DrawingOpt>> takeAllOf(const ArithmParamMgr* store) REQUIRES(m_cMutex);
     };
 
     /// The one instance, made on first use; any thread.
@@ -88,10 +88,17 @@ private:
     ~GlobalFunction() override = default;
 
     std::atomic<ViewDrawOption*>* slotOf(int view);  ///< Null when there is no such view.
-    void makeRecord(std::atomic<ViewDrawOption*>& slot);
+    void makeRecord(std::atomic<ViewDrawOption*>& slot) REQUIRES(m_cMtxRegistry);
 
-    QMutex m_cMtxRegistry;                        ///< Guards making and removing records.
-    std::array<QMutex, ViewSlotNum> m_acMtxView;  ///< Each held by whoever uses that view's record.
+    /// Each is held by whoever uses that view's record. One capability for all, since nobody may hold two at a time.
+    struct CAPABILITY("mutex") ViewMutexes
+    {
+        std::array<QMutex, ViewSlotNum> m_acMutex;
+    };
+    QMutex& mutexOf(int view) RETURN_CAPABILITY(m_cMtxViews);
+
+    QMutex m_cMtxRegistry ACQUIRED_BEFORE(m_cMtxViews);  ///< Guards making and removing records.
+    ViewMutexes m_cMtxViews;
     std::array<std::atomic<ViewDrawOption*>, ViewSlotNum> m_apcRecords{};  ///< Owned; null until the view is added.
 };
 

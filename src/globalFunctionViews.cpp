@@ -57,7 +57,11 @@ std::atomic<GlobalFunction::ViewDrawOption*>* GlobalFunction::slotOf(int view)
     return view >= 0 && view < ViewSlotNum ? &m_apcRecords[static_cast<std::size_t>(view)] : nullptr;
 }
 
-// With the registry mutex held.
+QMutex& GlobalFunction::mutexOf(int view)
+{
+    return m_cMtxViews.m_acMutex[static_cast<std::size_t>(view)];
+}
+
 void GlobalFunction::makeRecord(std::atomic<ViewDrawOption*>& slot)
 {
     if (!slot.load(std::memory_order_relaxed))
@@ -80,16 +84,17 @@ void GlobalFunction::removeView(int view)
         return;
     std::unique_ptr<ViewDrawOption> removed;  // deleted after the locks; its options live on
     const MutexGuard registryGuard(m_cMtxRegistry);
-    const MutexGuard viewGuard(m_acMtxView[static_cast<std::size_t>(view)]);
+    const MutexGuard viewGuard(mutexOf(view));
     removed.reset(slot->exchange(nullptr, std::memory_order_acq_rel));
 }
 
 GlobalFunction::ViewDrawOption* GlobalFunction::requestViewDrawOption(int view)
+    NO_THREAD_SAFETY_ANALYSIS  // The caller holds it.
 {
     auto* slot = slotOf(view);
     if (!slot || !slot->load(std::memory_order_acquire))
         return nullptr;
-    QMutex& mutex = m_acMtxView[static_cast<std::size_t>(view)];
+    QMutex& mutex = mutexOf(view);
     ThreadGuards::lock(mutex);
     // The view may have been removed in between; once its mutex is held, it cannot.
     ViewDrawOption* record = slot->load(std::memory_order_acquire);
@@ -98,10 +103,10 @@ GlobalFunction::ViewDrawOption* GlobalFunction::requestViewDrawOption(int view)
     return record;
 }
 
-void GlobalFunction::releaseViewDrawOption(int view, ViewDrawOption* record)
+void GlobalFunction::releaseViewDrawOption(int view, ViewDrawOption* record) NO_THREAD_SAFETY_ANALYSIS
 {
     if (record && slotOf(view))
-        ThreadGuards::unlock(m_acMtxView[static_cast<std::size_t>(view)]);
+        ThreadGuards::unlock(mutexOf(view));
 }
 
 void GlobalFunction::resizeViewCanvas(int view, int width, int height)
@@ -111,7 +116,7 @@ void GlobalFunction::resizeViewCanvas(int view, int width, int height)
         return;
     const MutexGuard registryGuard(m_cMtxRegistry);
     makeRecord(*slot);
-    const MutexGuard viewGuard(m_acMtxView[static_cast<std::size_t>(view)]);
+    const MutexGuard viewGuard(mutexOf(view));
     ViewDrawOption* record = slot->load(std::memory_order_relaxed);
     record->m_nCanvasWidth = width;
     record->m_nCanvasHeight = height;

@@ -1,9 +1,10 @@
 #include "outputLine.h"
 
+#include "threadAnnotations.h"
+
 #include <QLabel>
 #include <QTextDocument>
 
-#include <mutex>
 #include <thread>
 
 namespace {
@@ -13,14 +14,14 @@ constexpr int PauseMs = 16;
 /// Where the threads leave their newest message.
 struct Relay
 {
-    std::mutex m_cMutex;              ///< Guards all below; while it is held the current line cannot go.
-    OutputLine* m_pcLine = nullptr;   ///< Not owned; null without a window.
-    std::thread::id m_cWindowThread;  ///< The thread that shows.
-    QString m_strNewest;
-    bool m_bFresh = false;  ///< The newest message was not shown yet.
-    bool m_bBusy = false;   ///< A call to the line is on its way, or its pause runs.
+    Mutex m_cMutex;                                        ///< While it is held the current line cannot go.
+    OutputLine* m_pcLine GUARDED_BY(m_cMutex) = nullptr;   ///< Not owned; null without a window.
+    std::thread::id m_cWindowThread GUARDED_BY(m_cMutex);  ///< The thread that shows.
+    QString m_strNewest GUARDED_BY(m_cMutex);
+    bool m_bFresh GUARDED_BY(m_cMutex) = false;  ///< The newest message was not shown yet.
+    bool m_bBusy GUARDED_BY(m_cMutex) = false;   ///< A call to the line is on its way, or its pause runs.
 
-    void reset(OutputLine* line)
+    void reset(OutputLine* line) REQUIRES(m_cMutex)
     {
         m_pcLine = line;
         m_cWindowThread = std::this_thread::get_id();
@@ -42,21 +43,23 @@ OutputLine::OutputLine(QLabel* label, QObject* parent) : QObject(parent), m_pcLa
 {
     m_cPause.setSingleShot(true);
     connect(&m_cPause, &QTimer::timeout, this, &OutputLine::showNewest);
-    const std::lock_guard<std::mutex> guard(relay().m_cMutex);
-    relay().reset(this);
+    Relay& state = relay();
+    const Guard guard(state.m_cMutex);
+    state.reset(this);
 }
 
 OutputLine::~OutputLine()
 {
-    const std::lock_guard<std::mutex> guard(relay().m_cMutex);
-    if (relay().m_pcLine == this)
-        relay().reset(nullptr);
+    Relay& state = relay();
+    const Guard guard(state.m_cMutex);
+    if (state.m_pcLine == this)
+        state.reset(nullptr);
 }
 
 void OutputLine::print(const QString& message)
 {
     Relay& state = relay();
-    std::unique_lock<std::mutex> guard(state.m_cMutex);
+    Guard guard(state.m_cMutex);
     if (state.m_pcLine == nullptr)
         return;
     if (state.m_cWindowThread == std::this_thread::get_id()) {
@@ -78,9 +81,10 @@ void OutputLine::print(const QString& message)
 void OutputLine::show(const QString& message)
 {
     {
-        const std::lock_guard<std::mutex> guard(relay().m_cMutex);
-        relay().m_bFresh = false;
-        relay().m_strNewest.clear();
+        Relay& state = relay();
+        const Guard guard(state.m_cMutex);
+        state.m_bFresh = false;
+        state.m_strNewest.clear();
     }
     setLabel(message);
 }
@@ -90,7 +94,7 @@ void OutputLine::showNewest()
     QString message;
     {
         Relay& state = relay();
-        const std::lock_guard<std::mutex> guard(state.m_cMutex);
+        const Guard guard(state.m_cMutex);
         if (state.m_pcLine != this)
             return;
         // Busy until a whole pause brought nothing: Qt would deliver calls that arrive meanwhile in the same turn.

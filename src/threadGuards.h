@@ -1,5 +1,7 @@
 #pragma once
 
+#include "threadAnnotations.h"
+
 #include <QMutex>
 #include <QSemaphore>
 
@@ -44,13 +46,13 @@ inline void announceRelease([[maybe_unused]] void* address)
 #endif
 }
 
-inline void lock(QMutex& mutex)
+inline void lock(QMutex& mutex) ACQUIRE(mutex) NO_THREAD_SAFETY_ANALYSIS  // Qt's functions are not annotated.
 {
     mutex.lock();
     announceAcquire(&mutex);
 }
 
-inline void unlock(QMutex& mutex)
+inline void unlock(QMutex& mutex) RELEASE(mutex) NO_THREAD_SAFETY_ANALYSIS
 {
     announceRelease(&mutex);
     mutex.unlock();
@@ -72,11 +74,11 @@ inline void givePermit(QSemaphore& semaphore)
 }
 
 /// Holds a QMutex for a scope.
-class MutexGuard
+class SCOPED_CAPABILITY MutexGuard
 {
 public:
-    explicit MutexGuard(QMutex& mutex) : m_cMutex(mutex) { lock(m_cMutex); }
-    ~MutexGuard() { unlock(m_cMutex); }
+    explicit MutexGuard(QMutex& mutex) ACQUIRE(mutex) : m_cMutex(mutex) { lock(m_cMutex); }
+    ~MutexGuard() RELEASE() { unlock(m_cMutex); }
     MutexGuard(const MutexGuard&) = delete;
     MutexGuard& operator=(const MutexGuard&) = delete;
 

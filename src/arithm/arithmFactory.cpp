@@ -56,13 +56,13 @@ QList<ArithmFactory::ArithmInfo>* ArithmFactory::getArithms()
 Arithm* ArithmFactory::getArithm(QString id)
 {
     {
-        const std::lock_guard<std::mutex> guard(m_cMtxCache);
+        const Guard guard(m_cMtxCache);
         if (Arithm* known = m_mapCache.value(id))
             return known;
     }
     Arithm* found = findArithm(id);
     if (found) {
-        const std::lock_guard<std::mutex> guard(m_cMtxCache);
+        const Guard guard(m_cMtxCache);
         m_mapCache.insert(id, found);
     }
     return found;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "threadAnnotations.h"
+
 #include <QLibrary>
 #include <QList>
 #include <QMap>
@@ -8,7 +10,6 @@
 #include <QStringList>
 
 #include <atomic>
-#include <mutex>
 
 class Arithm;
 
@@ -59,6 +60,6 @@ private:
 
     QList<QLibrary*> m_lstLibraries;  ///< Owned; registered libraries in order of registration.
     QList<ArithmInfo> m_lstArithms;
-    std::mutex m_cMtxCache;             ///< Guards m_mapCache.
-    QMap<QString, Arithm*> m_mapCache;  ///< Identifiers already looked up.
+    Mutex m_cMtxCache;                                          ///< Innermost.
+    QMap<QString, Arithm*> m_mapCache GUARDED_BY(m_cMtxCache);  ///< Identifiers already looked up.
 };

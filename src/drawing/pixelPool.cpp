@@ -1,8 +1,9 @@
 #include "drawing/pixelPool.h"
 
+#include "threadAnnotations.h"
+
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <utility>
 #include <vector>
@@ -30,7 +31,7 @@ public:
     void giveBack(Buffer buffer)
     {
         std::vector<Buffer> surplus;  // freed after the lock
-        const std::lock_guard<std::mutex> guard(m_cMutex);
+        const Guard guard(m_cMutex);
         m_nFreeBytes += buffer.m_nCapacity;
         m_lstFree.push_back(std::move(buffer));
         while (m_lstFree.size() > PooledPixels::MaxFreeBuffers || m_nFreeBytes > PooledPixels::MaxFreeBytes) {
@@ -42,14 +43,14 @@ public:
 
     PooledPixels::PoolState state()
     {
-        const std::lock_guard<std::mutex> guard(m_cMutex);
+        const Guard guard(m_cMutex);
         return {m_nAllocations, m_lstFree.size(), m_nFreeBytes};
     }
 
 private:
     Buffer takeFree(std::size_t byteNum)
     {
-        const std::lock_guard<std::mutex> guard(m_cMutex);
+        const Guard guard(m_cMutex);
         auto best = m_lstFree.end();
         for (auto it = m_lstFree.begin(); it != m_lstFree.end(); ++it) {
             const bool fits = it->m_nCapacity >= byteNum && it->m_nCapacity / 2 <= byteNum;
@@ -66,10 +67,10 @@ private:
         return found;
     }
 
-    std::mutex m_cMutex;           ///< Guards all below.
-    std::deque<Buffer> m_lstFree;  ///< In the order in which they came back.
-    std::size_t m_nFreeBytes = 0;
-    std::int64_t m_nAllocations = 0;
+    Mutex m_cMutex;                                     ///< Innermost.
+    std::deque<Buffer> m_lstFree GUARDED_BY(m_cMutex);  ///< In the order in which they came back.
+    std::size_t m_nFreeBytes GUARDED_BY(m_cMutex) = 0;
+    std::int64_t m_nAllocations GUARDED_BY(m_cMutex) = 0;
 };
 
 // Never destroyed: options that wait in a queue may outlive the program's statics.

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "memoryDisk/memoryDisk.h"
+#include "threadAnnotations.h"
 
 #include <QMap>
 
 #include <cstring>
-#include <mutex>
+#include <type_traits>
 #include <utility>
 
 /**
@@ -19,10 +20,11 @@ template <int Disk>
 class MemoryDiskSource
 {
 public:
-    static constexpr int s_nPos = Disk;                      ///< The disk that is read.
-    inline static QMap<int, MemoryDisk::DIB*> s_mapDIB;      ///< Instance to the slot that it holds, or null.
-    inline static QMap<int, MemoryDisk::Gray8*> s_mapGray8;  ///< The same for grey slots.
-    inline static char s_achBlank[4] = {};                   ///< The empty text.
+    static constexpr int s_nPos = Disk;  ///< The disk that is read.
+    inline static QMap<int, MemoryDisk::DIB*> s_mapDIB
+        GUARDED_BY(s_cMtxMaps);  ///< Instance to the slot that it holds, or null.
+    inline static QMap<int, MemoryDisk::Gray8*> s_mapGray8 GUARDED_BY(s_cMtxMaps);  ///< The same for grey slots.
+    inline static char s_achBlank[4] = {};                                          ///< The empty text.
 
     /**
      * Takes the next picture of the disk, waiting at most a second.
@@ -34,11 +36,11 @@ public:
     static unsigned char* MemoryDiskRequestPicture(int instance, const char* type, int* width, int* height)
     {
         if (type && std::strncmp(type, "RGB", 3) == 0) {
-            const MemoryDisk::DIB* slot = hold(s_mapDIB, instance, disk()->requestDIB(), width, height);
+            const MemoryDisk::DIB* slot = hold(instance, disk()->requestDIB(), width, height);
             return slot ? slot->getDIB() : nullptr;
         }
         if (type && std::strncmp(type, "Gray8", 5) == 0) {
-            const MemoryDisk::Gray8* slot = hold(s_mapGray8, instance, disk()->requestGray8(), width, height);
+            const MemoryDisk::Gray8* slot = hold(instance, disk()->requestGray8(), width, height);
             return slot ? slot->getGray8() : nullptr;
         }
         return nullptr;
@@ -47,9 +49,9 @@ public:
     /// Gives back what the instance holds, of both kinds.
     static void MemoryDiskReleasePicture(int instance)
     {
-        if (MemoryDisk::DIB* slot = letGo(s_mapDIB, instance))
+        if (MemoryDisk::DIB* slot = letGo<MemoryDisk::DIB>(instance))
             disk()->releaseDIB(slot);
-        if (MemoryDisk::Gray8* slot = letGo(s_mapGray8, instance))
+        if (MemoryDisk::Gray8* slot = letGo<MemoryDisk::Gray8>(instance))
             disk()->releaseGray8(slot);
     }
 
@@ -63,7 +65,7 @@ public:
     static void MemoryDiskRemoveInstance(int instance)
     {
         // Kept on purpose: slots that the instance still holds count as processing for the rest of the run.
-        const std::lock_guard<std::mutex> guard(s_cMtxMaps);
+        const Guard guard(s_cMtxMaps);
         s_mapDIB.remove(instance);
         s_mapGray8.remove(instance);
     }
@@ -71,20 +73,29 @@ public:
     static char* MemoryDiskGetLastError(int /*instance*/) { return s_achBlank; }  ///< There are no errors to report.
 
 private:
-    inline static std::mutex s_cMtxMaps;  ///< Guards both maps.
+    inline static Mutex s_cMtxMaps;  ///< Taken alone, never held while a picture is waited for.
 
     static MemoryDisk* disk() { return MemoryDisk::getInstance(s_nPos); }
 
+    template <typename Slot>
+    static QMap<int, Slot*>& mapOf() REQUIRES(s_cMtxMaps)
+    {
+        if constexpr (std::is_same_v<Slot, MemoryDisk::DIB>)
+            return s_mapDIB;
+        else
+            return s_mapGray8;
+    }
+
     /// Notes that the instance holds the slot and reports its size; null stays without effect.
     template <typename Slot>
-    static Slot* hold(QMap<int, Slot*>& map, int instance, Slot* slot, int* width, int* height)
+    static Slot* hold(int instance, Slot* slot, int* width, int* height)
     {
         if (!slot)
             return nullptr;
         {
             // Kept on purpose: a slot that the instance still held is not given back.
-            const std::lock_guard<std::mutex> guard(s_cMtxMaps);
-            map[instance] = slot;
+            const Guard guard(s_cMtxMaps);
+            mapOf<Slot>()[instance] = slot;
         }
         *width = slot->getWidth();
         *height = slot->getHeight();
@@ -93,10 +104,10 @@ private:
 
     /// The slot that the instance held, which it now holds no more; null when it held none.
     template <typename Slot>
-    static Slot* letGo(QMap<int, Slot*>& map, int instance)
+    static Slot* letGo(int instance)
     {
-        const std::lock_guard<std::mutex> guard(s_cMtxMaps);
-        return std::exchange(map[instance], nullptr);
+        const Guard guard(s_cMtxMaps);
+        return std::exchange(mapOf<Slot>()[instance], nullptr);
     }
 };
 

@@ -144,8 +144,8 @@ private:
         int size() const { return m_nSize.load(std::memory_order_relaxed); }
 
     private:
-        QMutex m_cMutex;  ///< Guards m_lstSlots.
-        QList<Slot*> m_lstSlots;
+        QMutex m_cMutex;  ///< Taken alone.
+        QList<Slot*> m_lstSlots GUARDED_BY(m_cMutex);
         std::atomic<int> m_nSize{0};
     };
 

@@ -16,26 +16,26 @@ int ArithmParam::getID() const
 
 QString ArithmParam::getName() const
 {
-    const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
+    const Guard lock(m_pcData->m_cMutex);
     return m_pcData->m_strName;
 }
 
 void ArithmParam::setName(const QString& name)
 {
     QString text = name;  // Becomes the old text, which dies after the lock is released.
-    const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
+    const Guard lock(m_pcData->m_cMutex);
     m_pcData->m_strName.swap(text);
 }
 
 QString ArithmParam::getDescribe() const
 {
-    const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
+    const Guard lock(m_pcData->m_cMutex);
     return m_pcData->m_strDescribe;
 }
 
 void ArithmParam::setDescribe(const QString& describe)
 {
     QString text = describe;  // Becomes the old text, which dies after the lock is released.
-    const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
+    const Guard lock(m_pcData->m_cMutex);
     m_pcData->m_strDescribe.swap(text);
 }

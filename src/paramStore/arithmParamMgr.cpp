@@ -4,8 +4,8 @@
 
 struct ARITHM_PARAM_LOCAL ArithmParamMgr::Private
 {
-    std::mutex m_cMutex;  ///< Guards the identifiers and every table.
-    ParamIds m_cIds;
+    Mutex m_cMutex;  ///< Innermost. Guards every table, too.
+    ParamIds m_cIds GUARDED_BY(m_cMutex);
     ParamTable<ParamDIB> m_cDIB{m_cMutex, m_cIds};
     ParamTable<ParamGray8> m_cGray8{m_cMutex, m_cIds};
     ParamTable<ParamGray16> m_cGray16{m_cMutex, m_cIds};
@@ -47,7 +47,7 @@ void ArithmParamMgr::clean()
 
 void ArithmParamMgr::reserveID(int id)
 {
-    const std::lock_guard<std::mutex> lock(m_pcData->m_cMutex);
+    const Guard lock(m_pcData->m_cMutex);
     m_pcData->m_cIds.know(id);
 }
 

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "arithmParam.h"
+#include "threadAnnotations.h"
 
 #include <QString>
-
-#include <mutex>
 
 // Private to the store library: what stands behind the opaque pointer of every record.
 
@@ -16,7 +15,7 @@ struct ARITHM_PARAM_LOCAL ArithmParam::Private
     Private& operator=(const Private&) = delete;
 
     const int m_nID;
-    mutable std::mutex m_cMutex;  ///< Guards the two texts and, in list records, the list.
-    QString m_strName;
-    QString m_strDescribe;
+    mutable Mutex m_cMutex;  ///< Innermost. Guards the list of list records, too.
+    QString m_strName GUARDED_BY(m_cMutex);
+    QString m_strDescribe GUARDED_BY(m_cMutex);
 };

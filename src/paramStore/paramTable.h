@@ -1,8 +1,9 @@
 #pragma once
 
+#include "threadAnnotations.h"
+
 #include <QMap>
 
-#include <mutex>
 #include <set>
 #include <utility>
 
@@ -44,7 +45,7 @@ template <typename Record>
 class ParamTable
 {
 public:
-    ParamTable(std::mutex& mutex, ParamIds& ids) : m_cMutex(mutex), m_cIds(ids) {}
+    ParamTable(Mutex& mutex, ParamIds& ids) : m_cMutex(mutex), m_cIds(ids) {}
     ~ParamTable() { clear(); }
     ParamTable(const ParamTable&) = delete;
     ParamTable& operator=(const ParamTable&) = delete;
@@ -52,7 +53,7 @@ public:
     /// The record under id, made when there is none; for -1 always a new one under a fresh identifier.
     Record* make(int id)
     {
-        const std::lock_guard<std::mutex> lock(m_cMutex);
+        const Guard lock(m_cMutex);
         if (id == -1)
             return insert(m_cIds.fresh());
         m_cIds.know(id);
@@ -63,20 +64,20 @@ public:
     /// The record under id or null. Who looks for an identifier names it, so it becomes known even so.
     Record* find(int id) const
     {
-        const std::lock_guard<std::mutex> lock(m_cMutex);
+        const Guard lock(m_cMutex);
         m_cIds.know(id);
         return m_map.value(id, nullptr);
     }
 
     void remove(int id)
     {
-        const std::lock_guard<std::mutex> lock(m_cMutex);
+        const Guard lock(m_cMutex);
         delete m_map.take(id);
     }
 
     void clear()
     {
-        const std::lock_guard<std::mutex> lock(m_cMutex);
+        const Guard lock(m_cMutex);
         for (Record* record : std::as_const(m_map))
             delete record;
         m_map.clear();
@@ -85,14 +86,14 @@ public:
     QMap<int, Record*>* map() { return &m_map; }
 
 private:
-    Record* insert(int id)
+    Record* insert(int id) REQUIRES(m_cMutex)
     {
         auto* record = new Record(id);
         m_map.insert(id, record);
         return record;
     }
 
-    std::mutex& m_cMutex;
-    ParamIds& m_cIds;
-    QMap<int, Record*> m_map;  ///< Owns the records.
+    Mutex& m_cMutex;  ///< The store's.
+    ParamIds& m_cIds GUARDED_BY(m_cMutex);
+    QMap<int, Record*> m_map GUARDED_BY(m_cMutex);  ///< Owns the records.
 };

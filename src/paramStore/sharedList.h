@@ -1,8 +1,9 @@
 #pragma once
 
+#include "threadAnnotations.h"
+
 #include <QVector>
 
-#include <mutex>
 #include <utility>
 
 /**
@@ -17,11 +18,11 @@ template <typename Element>
 class SharedList
 {
 public:
-    explicit SharedList(std::mutex& mutex) : m_cMutex(mutex) {}
+    explicit SharedList(Mutex& mutex) : m_cMutex(mutex) {}
 
     int count() const
     {
-        const std::lock_guard<std::mutex> lock(m_cMutex);
+        const Guard lock(m_cMutex);
         return m_vecElements.size();
     }
 
@@ -29,7 +30,7 @@ public:
     template <typename Use>
     int with(int index, Use use) const
     {
-        const std::lock_guard<std::mutex> lock(m_cMutex);
+        const Guard lock(m_cMutex);
         if (index < 0 || index >= m_vecElements.size())
             return 0;
         return use(m_vecElements.at(index));
@@ -46,14 +47,14 @@ public:
 
     QVector<Element> snapshot() const
     {
-        const std::lock_guard<std::mutex> lock(m_cMutex);
+        const Guard lock(m_cMutex);
         m_bShared = true;
         return m_vecElements;
     }
 
     void append(const Element& element)
     {
-        const std::lock_guard<std::mutex> lock(m_cMutex);
+        const Guard lock(m_cMutex);
         if (m_bShared)
             copyElements();
         m_vecElements.append(element);
@@ -62,13 +63,13 @@ public:
     /// What was in the list before is destroyed after the lock is released.
     void replace(QVector<Element> elements)
     {
-        const std::lock_guard<std::mutex> lock(m_cMutex);
+        const Guard lock(m_cMutex);
         m_vecElements.swap(elements);
         m_bShared = true;
     }
 
 private:
-    void copyElements()
+    void copyElements() REQUIRES(m_cMutex)
     {
         QVector<Element> own;
         own.reserve(m_vecElements.size() + 1);
@@ -78,7 +79,7 @@ private:
         m_bShared = false;
     }
 
-    std::mutex& m_cMutex;
-    mutable bool m_bShared = true;  ///< Whether somebody else may hold the vector's memory.
-    QVector<Element> m_vecElements;
+    Mutex& m_cMutex;                                     ///< The record's.
+    mutable bool m_bShared GUARDED_BY(m_cMutex) = true;  ///< Whether somebody else may hold the vector's memory.
+    QVector<Element> m_vecElements GUARDED_BY(m_cMutex);
 };

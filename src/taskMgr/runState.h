@@ -1,8 +1,9 @@
 #pragma once
 
+#include "threadAnnotations.h"
+
 #include <condition_variable>
 #include <deque>
-#include <mutex>
 
 /**
  * What a task and its thread share about runs. Owned by both, so that the thread's last touch is not on the task, which
@@ -10,9 +11,10 @@
  */
 struct RunState
 {
-    std::mutex m_cMutex;  ///< Guards all members and makes beginning and ending a run one step; held briefly.
+    Mutex m_cMutex;  ///< Innermost; makes beginning and ending a run one step; held briefly.
     std::condition_variable m_cChanged;
-    long long m_nRun = 0;                 ///< Number of the run begun last.
-    bool m_bGone = true;                  ///< No thread uses the task any more.
-    std::deque<long long> m_lstReported;  ///< Runs that have ended and whose report has not arrived yet, oldest first.
+    long long m_nRun GUARDED_BY(m_cMutex) = 0;  ///< Number of the run begun last.
+    bool m_bGone GUARDED_BY(m_cMutex) = true;   ///< No thread uses the task any more.
+    std::deque<long long> m_lstReported
+        GUARDED_BY(m_cMutex);  ///< Runs that have ended and whose report has not arrived yet, oldest first.
 };

@@ -40,7 +40,7 @@ void bindToProcessor(int kernel)
 /// The last touch of a run: from here on the task may be deleted.
 void markGone(RunState& state)
 {
-    const std::lock_guard<std::mutex> lock(state.m_cMutex);
+    const Guard lock(state.m_cMutex);
     state.m_bGone = true;
     state.m_cChanged.notify_all();
 }
@@ -68,7 +68,7 @@ void TaskInfo::startTask()
 
 void TaskInfo::markBegun()
 {
-    const std::lock_guard<std::mutex> lock(m_pcRunState->m_cMutex);
+    const Guard lock(m_pcRunState->m_cMutex);
     ++m_pcRunState->m_nRun;
     m_pcRunState->m_bGone = false;
     m_nPassNum.store(0);
@@ -79,7 +79,7 @@ void TaskInfo::markBegun()
 
 void TaskInfo::markEnded()
 {
-    const std::lock_guard<std::mutex> lock(m_pcRunState->m_cMutex);
+    const Guard lock(m_pcRunState->m_cMutex);
     m_bRunning.store(false);
     m_bThreadFinished.store(true);
     m_pcRunState->m_cChanged.notify_all();
@@ -96,7 +96,7 @@ void* TaskInfo::threadTaskFunc(void* argument)
         const bool stopped = task->runUntilStopped(message);
         task->markEnded();
         {
-            const std::lock_guard<std::mutex> lock(state->m_cMutex);
+            const Guard lock(state->m_cMutex);
             state->m_lstReported.push_back(state->m_nRun);
         }
         const ThreadGuards::PostingScope posting;
@@ -156,8 +156,9 @@ void TaskInfo::waitUntilStopped()
 {
     m_bStopRequested.store(true);
     {
-        std::unique_lock<std::mutex> lock(m_pcRunState->m_cMutex);
-        m_pcRunState->m_cChanged.wait(lock, [this] { return m_bThreadFinished.load(); });
+        Guard lock(m_pcRunState->m_cMutex);
+        while (!m_bThreadFinished.load())
+            lock.wait(m_pcRunState->m_cChanged);
     }
     m_hThread = {};
     m_bStopRequested.store(false);
@@ -167,8 +168,9 @@ void TaskInfo::waitUntilStopped()
 
 void TaskInfo::waitUntilThreadIsGone()
 {
-    std::unique_lock<std::mutex> lock(m_pcRunState->m_cMutex);
-    m_pcRunState->m_cChanged.wait(lock, [this] { return m_pcRunState->m_bGone; });
+    Guard lock(m_pcRunState->m_cMutex);
+    while (!m_pcRunState->m_bGone)
+        lock.wait(m_pcRunState->m_cChanged);
 }
 
 void TaskInfo::RunClicked()
@@ -198,7 +200,7 @@ void TaskInfo::threadFinishedArrived(QString message, bool stopped)
 
 long long TaskInfo::takeReportedRun()
 {
-    const std::lock_guard<std::mutex> lock(m_pcRunState->m_cMutex);
+    const Guard lock(m_pcRunState->m_cMutex);
     if (m_pcRunState->m_lstReported.empty())
         return m_pcRunState->m_nRun;
     const long long run = m_pcRunState->m_lstReported.front();
@@ -208,6 +210,6 @@ long long TaskInfo::takeReportedRun()
 
 long long TaskInfo::currentRun() const
 {
-    const std::lock_guard<std::mutex> lock(m_pcRunState->m_cMutex);
+    const Guard lock(m_pcRunState->m_cMutex);
     return m_pcRunState->m_nRun;
 }

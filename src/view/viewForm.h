@@ -1,5 +1,7 @@
 #pragma once
 
+#include "threadGuards.h"
+
 #include <QImage>
 #include <QMutex>
 #include <QTimer>
@@ -29,8 +31,9 @@ public:
     explicit ViewForm(int index, QWidget* parent = nullptr);
     ~ViewForm() override;
 
-    QImage* requestCanvas();  ///< The canvas with its mutex held until releaseCanvas; not handed over.
-    void releaseCanvas();
+    QImage* requestCanvas()
+        ACQUIRE(m_cMtxCanvas);  ///< The canvas with its mutex held until releaseCanvas; not handed over.
+    void releaseCanvas() RELEASE(m_cMtxCanvas);
 
     static constexpr int ViewNum = 4;
     static std::array<ViewForm*, ViewNum> s_apcViewForms;  ///< By index; null where absent; filled by the main window.
@@ -55,8 +58,8 @@ private:
 
     std::unique_ptr<Ui::ViewForm> m_pcUi;
     int m_nIndex;
-    std::unique_ptr<QImage> m_pcCanvas;  ///< Guarded by m_cMtxCanvas.
-    QMutex m_cMtxCanvas;
+    QMutex m_cMtxCanvas;  ///< Taken alone.
+    std::unique_ptr<QImage> m_pcCanvas GUARDED_BY(m_cMtxCanvas) PT_GUARDED_BY(m_cMtxCanvas);
     std::unique_ptr<QTimer> m_pcTimer;
     int m_nStartX = 0;  ///< The dragged rectangle, widget pixels; shown when its end is not before its start.
     int m_nStartY = 0;
