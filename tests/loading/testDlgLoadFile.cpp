@@ -73,7 +73,6 @@ private Q_SLOTS:
 
     void newStepIsConfiguredThroughTheDialog()
     {
-        SKIP_WHERE_FILE_DIALOG_IS_NOT_SEEN_RIGHTLY();
         InDialog<DlgLoadFile> user([&](DlgLoadFile& dialog) {
             browse(dialog, m_strPath);
             QCOMPARE(textOf(dialog, "edtFilePath"), m_strPath);
@@ -92,7 +91,6 @@ private Q_SLOTS:
 
     void newStepMakesAGreyRecord()
     {
-        SKIP_WHERE_FILE_DIALOG_IS_NOT_SEEN_RIGHTLY();
         DlgLoadFile dialog(QString(), m_cStore.get(), nullptr);
         dialog.show();
         browse(dialog, m_strPath);
@@ -110,7 +108,6 @@ private Q_SLOTS:
 
     void fileDialogHasItsCaptionFolderAndFilter()
     {
-        SKIP_WHERE_FILE_DIALOG_IS_NOT_SEEN_RIGHTLY();
         DlgLoadFile dialog(QString(), m_cStore.get(), nullptr);
         dialog.show();
         InDialog<QFileDialog> file([&](QFileDialog& box) {
@@ -140,7 +137,6 @@ private Q_SLOTS:
 
     void badFilesAreRefused()
     {
-        SKIP_WHERE_FILE_DIALOG_IS_NOT_SEEN_RIGHTLY();
         QFETCH(QByteArray, bytes);
         DlgLoadFile dialog(QString(), m_cStore.get(), nullptr);
         dialog.show();
@@ -242,7 +238,6 @@ private Q_SLOTS:
 
     void refusedFileKeepsTheLastGoodPathOnPurpose()
     {
-        SKIP_WHERE_FILE_DIALOG_IS_NOT_SEEN_RIGHTLY();
         DlgLoadFile dialog(optionText(m_strPath, 0, 7), m_cStore.get(), nullptr);
         dialog.show();
         BoxAnswer box;
@@ -391,7 +386,6 @@ private Q_SLOTS:
 
     void chosenFileLeadsOnToTheName()
     {
-        SKIP_WHERE_FILE_DIALOG_IS_NOT_SEEN_RIGHTLY();
         DlgLoadFile dialog(QString(), m_cStore.get(), nullptr);
         dialog.show();
         browse(dialog, m_strPath);

@@ -229,7 +229,6 @@ private Q_SLOTS:
 
     void folderIsChosenInTheFolderDialog()
     {
-        SKIP_WHERE_FILE_DIALOG_IS_NOT_SEEN_RIGHTLY();
         const Folder folder;
         DlgSaveFile dialog(QString(), m_cStore.get(), nullptr);
         dialog.show();
