@@ -14,6 +14,7 @@ import shutil
 import signal
 import subprocess
 import time
+from collections import Counter
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -23,6 +24,7 @@ PATCHES = {
     "cmake/ProjectOptions.cmake": [("set(CMAKE_CXX_VISIBILITY_PRESET hidden)", ""),
                                    ("set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)", ""), (":-Og>", ":-O0>")],
 }
+INCLUDE = re.compile(r"^#include <([\w/]+)>", re.M)
 CORE, STORE = "lib/liblumivantCore.so", "lib/libArithmParamMgr.so.1.0.0"
 STORE_NAME = "libArithmParamMgr.so.1"
 LIMITS = ["--core=0", f"--fsize={256 << 20}"]
@@ -193,17 +195,23 @@ class Scratch:
         key = hashlib.sha256(" ".join(flags).encode()).hexdigest()[:16]
         return self.folder / "pch" / key / "qt.h"
 
+    def _foreign_includes(self, unit):
+        files = [unit.source, *(self.source / name for name in unit.needs)]
+        return {name for file in files if file.is_file() for name in INCLUDE.findall(file.read_text(errors="replace"))}
+
     def _precompile(self, units):
+        """One header for each set of flags, of what a quarter of its units include; more would cost more to load."""
+        groups = {}
         for unit in units:
-            header = self.header_of(unit)
-            if header.with_name("qt.h.gch").exists():
+            groups.setdefault(self.header_of(unit), []).append(unit)
+        for header, members in groups.items():
+            counts = Counter(name for unit in members for name in self._foreign_includes(unit))
+            text = "".join(f"#include <{name}>\n" for name in sorted(counts) if 4 * counts[name] >= len(members))
+            if header.exists() and header.read_text() == text and header.with_name("qt.h.gch").exists():
                 continue
-            flags = self.flags_of(unit)
-            modules = [name for name in ("Core", "Gui", "Widgets", "Test") if any(f"Qt{name}" in flag for flag in flags)]
             header.parent.mkdir(parents=True, exist_ok=True)
-            header.write_text("".join(f"#include <Qt{name}>\n" for name in modules) +
-                              "#include <algorithm>\n#include <atomic>\n#include <memory>\n#include <mutex>\n")
-            run([*flags, "-x", "c++-header", str(header), "-o", str(header) + ".gch"], self.build,
+            header.write_text(text)
+            run([*self.flags_of(members[0]), "-x", "c++-header", str(header), "-o", str(header) + ".gch"], self.build,
                 "Precompiling a header")
 
     # ---- Coverage: which test reaches which line ----

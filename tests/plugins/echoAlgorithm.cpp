@@ -3,9 +3,11 @@
 
 #include <lumivant/algorithm.h>
 
+#include <chrono>
 #include <map>
 #include <mutex>
 #include <optional>
+#include <thread>
 
 namespace {
 
@@ -38,6 +40,9 @@ const char* getID()
 const char* getArithmClass()
 {
     count("getArithmClass");
+#ifdef TEST_LOADING_MS
+    std::this_thread::sleep_for(std::chrono::milliseconds(TEST_LOADING_MS));
+#endif
     return TEST_CLASS;
 }
 #endif

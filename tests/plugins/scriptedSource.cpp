@@ -100,6 +100,9 @@ int s_nLastInstance = 0;
 #ifndef LACKS_getDataSourceName
 const char* getDataSourceName()
 {
+#ifdef TEST_LOADING_MS
+    std::this_thread::sleep_for(std::chrono::milliseconds(TEST_LOADING_MS));
+#endif
 #ifdef TEST_NAME_GB18030
     return "\xCF\xE0\xBB\xFA";
 #else

@@ -29,6 +29,7 @@
  * - algorithmDrawingID: as Echo with "Impostor", "Not Drawing", and the identifier of a built-in, "KW_Drawing".
  * - algorithmTwinA, algorithmTwinB: as Echo, both "Twins", "Twin", with "Test.TwinA" and "Test.TwinB".
  * - algorithmSameIDA, algorithmSameIDB: as Echo, "Same", "First" and "Second", both "Test.Same".
+ * - algorithmLateLoading: as Echo with "Late" and "Test.Late"; being asked for its class takes 200 ms.
  * - algorithmNull: answers null to everything.
  * - algorithmLacks_<symbol>: four of the five entry points.
  * - algorithmUnresolved: needs a function that nobody has.
@@ -44,6 +45,7 @@
  *   their type text.
  * - sourceUpperCamera ("Camera"), sourceLowerCamera ("camera"), sourceMemoryDisk3 ("Memory Disk 3"),
  *   sourceTwinA and sourceTwinB (both "Test Twin"), sourceChineseGb18030 ("相机" in GB18030): as sourceScripted.
+ * - sourceLateLoading ("Test Late"): as sourceScripted; being asked for its name takes 200 ms.
  * - sourceNull: answers null to everything, its name too.
  * - sourceLacks_<symbol>: eight of the nine entry points. sourceUnresolved: needs a function that nobody has.
  */
