@@ -5,7 +5,7 @@
 # To build the workbench, its plug-in pack and its pictures.
 BUILD_PACKAGES=(
     g++ cmake ninja-build ccache pkg-config python3
-    qtbase5-dev qtbase5-dev-tools libopencv-core-dev libopencv-imgproc-dev
+    qtbase5-dev qtbase5-dev-tools libjpeg62-turbo-dev libpng-dev zlib1g-dev libopencv-core-dev libopencv-imgproc-dev
 )
 
 # To run it: drawn icons, picture formats beyond Qt's own, Qt's own texts in Chinese, a font with Chinese characters.

@@ -1,8 +1,10 @@
 #include "loading/loading.h"
 
+#include "loading/directReader.h"
 #include "loading/loadingOption.h"
 #include "loading/pictureConvert.h"
 #include "loading/pictureReader.h"
+#include "loading/sparePicture.h"
 #include "paramStore/arithmParamMgr.h"
 #include "resultText.h"
 
@@ -14,39 +16,66 @@ thread_local int Loading::s_nBuffLen = 1024;
 
 namespace {
 
-/// Gives a record the name, description and size of the loaded picture; false when there is no memory for it.
+/// The record that the picture goes into, with its name and description.
 template <typename Record>
-bool prepare(Record& record, const LoadingOption& option, const QImage& picture)
+Record* named(Record* record, const LoadingOption& option)
 {
-    record.setName(option.m_strOutputName);
-    record.setDescribe(option.m_strDescribe);
-    record.resize(picture.width(), picture.height());
-    return record.getWidth() > 0;
+    if (record) {
+        record->setName(option.m_strOutputName);
+        record->setDescribe(option.m_strDescribe);
+    }
+    return record;
 }
 
-void storeAsGrey(const LoadingOption& option, const QImage& picture, ArithmParamMgr& store)
+ParamGray8* greyRecord(const LoadingOption& option, ArithmParamMgr& store)
 {
-    ParamGray8* record = store.getParamGray8(option.recordID());
-    if (record && prepare(*record, option, picture))
-        PictureConvert::copyAsGrey(picture, record->getGray8());
+    return named(store.getParamGray8(option.recordID()), option);
 }
 
-void storeAsColour(const LoadingOption& option, const QImage& picture, ArithmParamMgr& store)
+ParamDIB* colourRecord(const LoadingOption& option, ArithmParamMgr& store)
 {
-    ParamDIB* record = store.getParamDIB(option.recordID());
-    if (record && prepare(*record, option, picture))
+    return named(store.getParamDIB(option.recordID()), option);
+}
+
+/// Straight from the file; false when Qt has to decode it.
+bool loadDirectly(const LoadingOption& option, ArithmParamMgr& store)
+{
+    SparePicture picture(option.m_bGrey);
+    if (!DirectReader::read(option.m_strFilePath, picture))
+        return false;
+    if (option.m_bGrey) {
+        if (ParamGray8* record = greyRecord(option, store))
+            picture.giveTo(*record);
+    } else if (ParamDIB* record = colourRecord(option, store)) {
+        picture.giveTo(*record);
+    }
+    return true;
+}
+
+void loadByQt(const LoadingOption& option, ArithmParamMgr& store)
+{
+    const QImage picture = PictureReader::read(option.m_strFilePath);
+    if (picture.isNull())
+        return;
+    if (option.m_bGrey) {
+        ParamGray8* record = greyRecord(option, store);
+        if (record)
+            record->resize(picture.width(), picture.height());
+        if (record && record->getWidth() > 0)
+            PictureConvert::copyAsGrey(picture, record->getGray8());
+        return;
+    }
+    ParamDIB* record = colourRecord(option, store);
+    if (record)
+        record->resize(picture.width(), picture.height());
+    if (record && record->getWidth() > 0)
         PictureConvert::copyAsColour(picture, record->getDIB());
 }
 
 void load(const LoadingOption& option, ArithmParamMgr& store)
 {
-    const QImage picture = PictureReader::read(option.m_strFilePath);
-    if (picture.isNull())
-        return;
-    if (option.m_bGrey)
-        storeAsGrey(option, picture, store);
-    else
-        storeAsColour(option, picture, store);
+    if (!loadDirectly(option, store))
+        loadByQt(option, store);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 
 namespace {
 
-using Operation = void (*)(const unsigned char* source, unsigned char* target, std::size_t count);
+using Operation = PictureConvert::RowOperation;
 
 std::size_t bytes(std::int64_t count)
 {
@@ -48,42 +48,7 @@ void greyOfGrey(const unsigned char* grey, unsigned char* target, std::size_t co
         target[i] = table[grey[i]];
 }
 
-// ---- Rows straight from the picture ---------------------------------------------------------------------------------
-
-/// From a picture's own row to a colour record's row; null when Qt has to convert it first.
-Operation colourOperation(QImage::Format format)
-{
-    switch (format) {
-    case QImage::Format_Indexed8:
-    case QImage::Format_Grayscale8:
-        return Pixels::rgbOfGrey;
-    case QImage::Format_RGB888:
-        return copyRgb;
-    case QImage::Format_RGB32:
-    case QImage::Format_ARGB32:  // the opacity is dropped
-        return Pixels::rgbOfBgrx;
-    default:
-        return nullptr;
-    }
-}
-
-/// From a picture's own row to a grey record's row; null when Qt has to convert it first.
-Operation greyOperation(QImage::Format format)
-{
-    switch (format) {
-    case QImage::Format_Indexed8:
-        return copyGrey;
-    case QImage::Format_Grayscale8:
-        return greyOfGrey;
-    case QImage::Format_RGB888:
-        return Pixels::greyOfRgb;
-    case QImage::Format_RGB32:
-    case QImage::Format_ARGB32:
-        return Pixels::greyOfBgrx;
-    default:
-        return nullptr;
-    }
-}
+// ---- Rows of a picture ---------------------------------------------------------------------------------------------
 
 void forEachRow(const QImage& picture, Operation operation, unsigned char* target, std::size_t stride)
 {
@@ -115,6 +80,39 @@ bool forEachConvertedRow(const QImage& picture, Operation operation, unsigned ch
 }
 
 }  // namespace
+
+PictureConvert::RowOperation PictureConvert::colourOperation(QImage::Format format)
+{
+    switch (format) {
+    case QImage::Format_Indexed8:
+    case QImage::Format_Grayscale8:
+        return Pixels::rgbOfGrey;
+    case QImage::Format_RGB888:
+        return copyRgb;
+    case QImage::Format_RGB32:
+    case QImage::Format_ARGB32:  // the opacity is dropped
+        return Pixels::rgbOfBgrx;
+    default:
+        return nullptr;
+    }
+}
+
+PictureConvert::RowOperation PictureConvert::greyOperation(QImage::Format format)
+{
+    switch (format) {
+    case QImage::Format_Indexed8:
+        return copyGrey;
+    case QImage::Format_Grayscale8:
+        return greyOfGrey;
+    case QImage::Format_RGB888:
+        return Pixels::greyOfRgb;
+    case QImage::Format_RGB32:
+    case QImage::Format_ARGB32:
+        return Pixels::greyOfBgrx;
+    default:
+        return nullptr;
+    }
+}
 
 bool PictureConvert::copyAsColour(const QImage& picture, unsigned char* target)
 {

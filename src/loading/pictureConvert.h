@@ -1,6 +1,8 @@
 #pragma once
 
-class QImage;
+#include <QImage>
+
+#include <cstddef>
 
 /**
  * From a decoded picture to the bytes of a record, in one pass over the pixels. Any thread.
@@ -8,6 +10,13 @@ class QImage;
  * Red, green and blue are what QImage::convertToFormat(QImage::Format_RGB888) makes of the picture.
  */
 namespace PictureConvert {
+
+/// What happens to a row of count pixels; source and target do not overlap.
+using RowOperation = void (*)(const unsigned char* source, unsigned char* target, std::size_t count);
+
+// From a picture's own row to a row of a colour or a grey record; null when Qt has to convert the picture first.
+RowOperation colourOperation(QImage::Format format);
+RowOperation greyOperation(QImage::Format format);
 
 /**
  * Writes a picture as the bytes of a colour record: red, green, blue, rows padded to a multiple of 4 bytes.

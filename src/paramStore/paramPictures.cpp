@@ -4,6 +4,8 @@
 #include "pictureLayout.h"
 #include "pixelBuffer.h"
 
+#include <utility>
+
 // Colour pictures.
 
 struct ARITHM_PARAM_LOCAL ParamDIB::Data : Private
@@ -41,6 +43,11 @@ int ParamDIB::getHeight() const
     return data()->m_cPixels.height();
 }
 
+void ParamDIB::swapPixels(ParamDIB& other)
+{
+    std::swap(data()->m_cPixels, other.data()->m_cPixels);
+}
+
 // 8-bit grey pictures.
 
 struct ARITHM_PARAM_LOCAL ParamGray8::Data : Private
@@ -76,6 +83,11 @@ int ParamGray8::getWidth() const
 int ParamGray8::getHeight() const
 {
     return data()->m_cPixels.height();
+}
+
+void ParamGray8::swapPixels(ParamGray8& other)
+{
+    std::swap(data()->m_cPixels, other.data()->m_cPixels);
 }
 
 // 16-bit grey pictures.

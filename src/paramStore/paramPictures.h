@@ -29,6 +29,9 @@ public:
     int getWidth() const;           ///< Pixels; 0 for a new record.
     int getHeight() const;          ///< Pixels; 0 for a new record.
 
+    /// Exchanges size and pixels with another record; identifier, name and description stay.
+    void swapPixels(ParamDIB& other);
+
 private:
     struct Data;
     ARITHM_PARAM_LOCAL explicit ParamDIB(int id);
@@ -46,6 +49,8 @@ public:
     unsigned char* getGray8() const;  ///< The pixels; owned by the record; null while the picture is empty.
     int getWidth() const;
     int getHeight() const;
+
+    void swapPixels(ParamGray8& other);  ///< As ParamDIB::swapPixels.
 
 private:
     struct Data;

@@ -1,5 +1,8 @@
 #include "saving/pictureFile.h"
 
+#include "saving/bmpWriter.h"
+#include "saving/pngWriter.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
@@ -77,6 +80,16 @@ QFileInfo behindLinks(const QString& path)
     return info.isSymLink() && info.exists() ? QFileInfo(info.canonicalFilePath()) : info;
 }
 
+/// Plain pictures by writers of our own, which are faster; Qt has all the others.
+bool encode(QIODevice& device, const QImage& picture, const QByteArray& format)
+{
+    if (format == "bmp" && BmpWriter::canWrite(picture))
+        return BmpWriter::write(device, picture);
+    if (format == "png" && PngWriter::canWrite(picture))
+        return PngWriter::write(device, picture);
+    return QImageWriter(&device, format).write(picture);
+}
+
 }  // namespace
 
 bool PictureFile::write(const QImage& picture, const QString& path)
@@ -90,6 +103,5 @@ bool PictureFile::write(const QImage& picture, const QString& path)
     PartFile part(target.path());
     if (!part.make())
         return false;
-    QImageWriter writer(&part, format);
-    return writer.write(picture) && part.nameAs(target);
+    return encode(part, picture, format) && part.nameAs(target);
 }

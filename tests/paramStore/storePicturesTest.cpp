@@ -63,6 +63,30 @@ class StorePicturesTest : public QObject
     Q_OBJECT
 
 private slots:
+    void swappedPixelsLeaveNamesAndIdentifiers()
+    {
+        ArithmParamMgr* store = ArithmParamMgr::newInstance();
+        ParamDIB* first = store->getParamDIB(1);
+        ParamDIB* second = store->getParamDIB(2);
+        first->setName(QStringLiteral("first"));
+        first->resize(5, 2);
+        const unsigned char* pixels = first->getDIB();
+        first->swapPixels(*second);
+        QCOMPARE(first->getID(), 1);
+        QCOMPARE(first->getName(), QStringLiteral("first"));
+        QCOMPARE(first->getWidth(), 0);
+        QVERIFY(!first->getDIB());
+        QVERIFY(second->getDIB() == pixels);
+        QCOMPARE(second->getWidth(), 5);
+        QCOMPARE(second->getHeight(), 2);
+        ParamGray8* grey = store->getParamGray8(3);
+        grey->resize(7, 3);
+        grey->swapPixels(*store->getParamGray8(4));
+        QCOMPARE(store->getParamGray8(4)->getWidth(), 7);
+        QCOMPARE(grey->getHeight(), 0);
+        ArithmParamMgr::deleteInstance(store);
+    }
+
     void newPictureIsEmpty_data() { kindsTable(); }
     void newPictureIsEmpty();
     void bufferHoldsItsSize_data();

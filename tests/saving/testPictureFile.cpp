@@ -1,0 +1,146 @@
+#include "pictureSupport.h"
+#include "saving/pictureFile.h"
+
+#include <QtTest>
+
+#include <random>
+
+using namespace PictureSupport;
+
+namespace {
+
+enum Content
+{
+    Noisy,
+    Smooth,
+    Empty
+};
+
+QVector<QRgb> greyRamp()
+{
+    QVector<QRgb> ramp;
+    for (int value = 0; value < 256; ++value)
+        ramp.append(qRgb(value, value, value));
+    return ramp;
+}
+
+QImage pictureOf(QImage::Format format, QSize size, Content content)
+{
+    QImage picture(size, format);
+    if (format == QImage::Format_Indexed8)
+        picture.setColorTable(greyRamp());
+    std::mt19937 random(7);
+    for (int y = 0; y < size.height(); ++y) {
+        std::memset(picture.scanLine(y), 0, static_cast<std::size_t>(picture.bytesPerLine()));  // padding, too
+        for (int i = 0; i < size.width() * picture.depth() / 8; ++i) {
+            const int value = content == Noisy ? static_cast<int>(random()) : content == Smooth ? i / 5 + y / 3 : 90;
+            picture.scanLine(y)[i] = static_cast<unsigned char>(value);
+        }
+    }
+    return picture;
+}
+
+/// Names and bytes of all chunks but those of the pixels.
+QList<QByteArray> otherChunks(const QByteArray& png)
+{
+    QList<QByteArray> chunks;
+    for (int at = 8; at + 12 <= png.size();) {
+        const int length = static_cast<int>(qFromBigEndian<quint32>(png.constData() + at));
+        const QByteArray chunk = png.mid(at + 4, 4 + length);
+        if (!chunk.startsWith("IDAT"))
+            chunks.append(chunk);
+        at += 12 + length;
+    }
+    return chunks;
+}
+
+}  // namespace
+
+class TestPictureFile : public QObject
+{
+    Q_OBJECT
+
+    Folder m_cFolder;
+
+    void addPictures()
+    {
+        QTest::addColumn<int>("format");
+        QTest::addColumn<int>("content");
+        QTest::newRow("colour, noisy") << int{QImage::Format_RGB888} << int{Noisy};
+        QTest::newRow("colour, smooth") << int{QImage::Format_RGB888} << int{Smooth};
+        QTest::newRow("colour, empty") << int{QImage::Format_RGB888} << int{Empty};
+        QTest::newRow("grey, noisy") << int{QImage::Format_Indexed8} << int{Noisy};
+        QTest::newRow("grey, smooth") << int{QImage::Format_Indexed8} << int{Smooth};
+        QTest::newRow("grey, empty") << int{QImage::Format_Indexed8} << int{Empty};
+        QTest::newRow("32 bits") << int{QImage::Format_RGB32} << int{Smooth};
+    }
+
+    static QList<QImage> pictures()
+    {
+        QFETCH(int, format);
+        QFETCH(int, content);
+        QList<QImage> all;
+        for (const QSize& size : {QSize(1, 1), QSize(2, 3), QSize(5, 7), QSize(16, 4), QSize(33, 18), QSize(1021, 301)})
+            all += pictureOf(static_cast<QImage::Format>(format), size, static_cast<Content>(content));
+        return all;
+    }
+
+private Q_SLOTS:
+    void bitmapIsByteForByteWhatQtWrites_data() { addPictures(); }
+    void bitmapIsByteForByteWhatQtWrites()
+    {
+        for (QImage picture : pictures()) {
+            picture.setDotsPerMeterX(2345);
+            QVERIFY(PictureFile::write(picture, m_cFolder.path("ours.bmp")));
+            QCOMPARE(bytesOf(m_cFolder.path("ours.bmp")), bytesOf(m_cFolder.save(picture, "qt.bmp")));
+        }
+    }
+
+    void jpegIsByteForByteWhatQtWrites_data() { addPictures(); }
+    void jpegIsByteForByteWhatQtWrites()
+    {
+        for (const QImage& picture : pictures()) {
+            QVERIFY(PictureFile::write(picture, m_cFolder.path("ours.jpg")));
+            QCOMPARE(bytesOf(m_cFolder.path("ours.jpg")), bytesOf(m_cFolder.save(picture, "qt.jpg")));
+        }
+    }
+
+    void pngHasThePixelsAndTheKindThatQtWrites_data() { addPictures(); }
+    void pngHasThePixelsAndTheKindThatQtWrites()
+    {
+        for (const QImage& picture : pictures()) {
+            QVERIFY(PictureFile::write(picture, m_cFolder.path("ours.png")));
+            const QImage ours(m_cFolder.path("ours.png"));
+            const QImage expected(m_cFolder.save(picture, "qt.png"));
+            QCOMPARE(ours.format(), expected.format());
+            QCOMPARE(ours, expected);
+            QCOMPARE(otherChunks(bytesOf(m_cFolder.path("ours.png"))), otherChunks(bytesOf(m_cFolder.path("qt.png"))));
+        }
+    }
+
+    void pngIsHardlyLargerThanWhatQtWrites()
+    {
+        for (const Content content : {Noisy, Smooth}) {
+            const QImage picture = pictureOf(QImage::Format_RGB888, QSize(1021, 301), content);
+            QVERIFY(PictureFile::write(picture, m_cFolder.path("ours.png")));
+            const int expected = bytesOf(m_cFolder.save(picture, "qt.png")).size();
+            QVERIFY(bytesOf(m_cFolder.path("ours.png")).size() <= expected * 1.1 + 1000);
+        }
+    }
+
+    void paletteOfOtherColoursIsLeftToQt()
+    {
+        QImage picture = palettePicture(9, 4);
+        for (const char* suffix : {"png", "bmp"}) {
+            QVERIFY(PictureFile::write(picture, m_cFolder.path(QStringLiteral("ours.") + suffix)));
+            QCOMPARE(QImage(m_cFolder.path(QStringLiteral("ours.") + suffix)),
+                     QImage(m_cFolder.save(picture, QStringLiteral("qt.") + suffix)));
+        }
+        picture.setColorCount(200);
+        QVERIFY(PictureFile::write(picture, m_cFolder.path("few.bmp")));
+        QCOMPARE(bytesOf(m_cFolder.path("few.bmp")), bytesOf(m_cFolder.save(picture, "fewQt.bmp")));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestPictureFile)
+#include "testPictureFile.moc"
