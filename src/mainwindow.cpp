@@ -24,8 +24,11 @@ static void initResources()
 namespace {
 
 /// An "about" box whose text is shown as it is, markup and all.
-void showAbout(const QString& text)
+void showAbout(const QString& message)
 {
+    constexpr int MostCharacters = 2000;
+    constexpr int MostLines = 30;
+    const QString text = WindowMessages::readable(message, MostCharacters, MostLines);
     QWidget* const parent = QApplication::activeWindow();
     auto* const box = new QMessageBox(QMessageBox::NoIcon, WindowMessages::warning(), text, QMessageBox::Ok, parent);
     box->setAttribute(Qt::WA_DeleteOnClose);  // Not on the stack: its parent may take it along.

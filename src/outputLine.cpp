@@ -1,6 +1,7 @@
 #include "outputLine.h"
 
 #include "threadAnnotations.h"
+#include "windowMessages.h"
 
 #include <QLabel>
 #include <QTextDocument>
@@ -10,6 +11,7 @@
 namespace {
 
 constexpr int PauseMs = 16;
+constexpr int MostCharacters = 10000;  ///< Far more than a line shows.
 
 /// Where the threads leave their newest message.
 struct Relay
@@ -69,7 +71,7 @@ void OutputLine::print(const QString& message)
         return;
     }
     // A copy: the two threads never share a text, and a flood reuses the memory.
-    state.m_strNewest.setUnicode(message.constData(), message.size());
+    state.m_strNewest.setUnicode(message.constData(), qMin(message.size(), MostCharacters + 1));
     state.m_bFresh = true;
     if (state.m_bBusy)
         return;
@@ -108,10 +110,11 @@ void OutputLine::showNewest()
     m_cPause.start(PauseMs);
 }
 
-void OutputLine::setLabel(const QString& message)
+void OutputLine::setLabel(const QString& newest)
 {
     if (m_pcLabel.isNull())
         return;
+    const QString message = WindowMessages::readable(newest, MostCharacters, MostCharacters);
     m_pcLabel->setText(message);
     m_pcLabel->setToolTip(message.isEmpty() ? QString() : Qt::convertFromPlainText(message));
 }

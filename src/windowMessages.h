@@ -5,6 +5,17 @@
 /// Every text that the main window's sources show; those of the forms stand in the .ui files.
 namespace WindowMessages {
 
+/// As much of a text as anyone reads: laying out what a faulty library may print would stop the window for minutes.
+inline QString readable(const QString& text, int mostCharacters, int mostLines)
+{
+    int end = qMin(text.size(), mostCharacters);
+    for (int at = 0, line = 0; at < end; ++at) {
+        if (text.at(at) == QLatin1Char('\n') && ++line >= mostLines)
+            end = at;
+    }
+    return end == text.size() ? text : text.left(end) + QChar(0x2026);
+}
+
 inline QString programName()
 {
     return QStringLiteral("Lumivant");

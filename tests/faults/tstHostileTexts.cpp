@@ -1,0 +1,159 @@
+#include "../window/windowFixture.h"
+#include "arithm/arithmMgr.h"
+#include "pluginFolders.h"
+
+#include <QScreen>
+#include <QtTest>
+
+/// Libraries that return texts of tens of megabytes, bytes that are no UTF-8, or nothing at all.
+class tstHostileTexts : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void textsOfTheLibraryAreReadAsFarAsTheyAreText();
+    void hugeErrorIsShownInABoxThatFitsTheScreen();
+    void hugePrintsLeaveTheWindowAlive();
+    void hugeStopTextEndsTheTask();
+    void errorThatIsNoTextIsShownAsFarAsItIs();
+    void librariesThatAnswerNullRunForever();
+
+private:
+    static QByteArray taskText(const QByteArray& source, const QByteArray& id, const QByteArray& option);
+    static void open(WindowFixture& fixture, const QByteArray& task);
+
+    static inline QTemporaryDir* s_pcFolder = nullptr;
+};
+
+namespace {
+
+constexpr int Huge = 32 * 1024 * 1024;
+
+QByteArray hugeOption(const char* kind)
+{
+    return QByteArray(kind) + ';' + QByteArray::number(Huge);
+}
+
+}  // namespace
+
+void tstHostileTexts::initTestCase()
+{
+    static QTemporaryDir folder;
+    s_pcFolder = &folder;
+    PluginFolders::clear();
+    PluginFolders::addBase(QStringLiteral("algorithmHostile"));
+    PluginFolders::addBase(QStringLiteral("algorithmNull"));
+    PluginFolders::addSource(QStringLiteral("sourceScripted"));
+    PluginFolders::addSource(QStringLiteral("sourceNull"));
+}
+
+QByteArray tstHostileTexts::taskText(const QByteArray& source, const QByteArray& id, const QByteArray& option)
+{
+    return "<=TaskInfo=><-TaskName->t</-TaskName-><-DataSource-><DSName>" + source +
+           "</DSName><OutputName>p</OutputName><OutputDescribe></OutputDescribe><OutputType>RGB</OutputType>"
+           "<OutputID>1</OutputID><Config>wait=5</Config></-DataSource-><-TaskItem-><-MaxExeTimes->-1</-MaxExeTimes->"
+           "<-ArithmID->" +
+           id + "</-ArithmID-><-OptionStr->" + option +
+           "</-OptionStr-><-ArithmName->short</-ArithmName-></-TaskItem-></=TaskInfo=>";
+}
+
+void tstHostileTexts::open(WindowFixture& fixture, const QByteArray& task)
+{
+    const QString path = s_pcFolder->filePath(QStringLiteral("hostile.lmv"));
+    writeFile(path, task);
+    QVERIFY(fixture.open(path));
+    QCOMPARE(fixture.tabs()->count(), 1);
+}
+
+void tstHostileTexts::textsOfTheLibraryAreReadAsFarAsTheyAreText()
+{
+    const QStringList classes = ArithmMgr::getInstance()->getArithmClassNames();
+    QCOMPARE(classes.size(), 3);  // 系统, that of the hostile one, the empty one of null
+    const QString hostile = classes.at(1).isEmpty() ? classes.at(2) : classes.at(1);
+    QVERIFY(hostile.endsWith(QStringLiteral(" class")));
+    QCOMPARE(ArithmMgr::getInstance()->getArithmNames(hostile).value(0).size(), 2 * 1024 * 1024);
+}
+
+void tstHostileTexts::hugeErrorIsShownInABoxThatFitsTheScreen()
+{
+    WindowFixture fixture;
+    open(fixture, taskText("Test Scripted", "Test.Hostile", hugeOption("error")));
+    ModalDriver driver;
+    QString text;
+    QSize size;
+    driver.dialog([&](QWidget* widget) {
+        auto* const box = qobject_cast<QMessageBox*>(widget);
+        if (box == nullptr)
+            return false;
+        text = box->text();
+        size = box->size();
+        ModalDriver::press(box->button(QMessageBox::Ok));
+        return true;
+    });
+
+    fixture.runButton(0)->click();
+    QTRY_VERIFY_WITH_TIMEOUT(driver.done(), 60000);
+
+    QVERIFY(text.startsWith(QStringLiteral("算法\"short\"出错, 错误信息:HHHH")));
+    const QSize screen = QGuiApplication::primaryScreen()->size();
+    QVERIFY2(size.width() <= screen.width() && size.height() <= screen.height(),
+             qPrintable(QStringLiteral("%1 x %2").arg(size.width()).arg(size.height())));
+    QTRY_VERIFY(!TaskMgr::getInstance()->getTask(0)->IsRunning());
+}
+
+void tstHostileTexts::hugePrintsLeaveTheWindowAlive()
+{
+    WindowFixture fixture;
+    open(fixture, taskText("Test Scripted", "Test.Hostile", hugeOption("print")));
+    const int width = fixture.m_pcWindow->width();
+
+    fixture.runButton(0)->click();
+    QTRY_VERIFY_WITH_TIMEOUT(TaskMgr::getInstance()->getTask(0)->getPassNum() > 3, 60000);
+    QTRY_VERIFY_WITH_TIMEOUT(fixture.output()->text().startsWith(QStringLiteral("HHHH")), 60000);
+    fixture.runButton(0)->click();
+
+    QVERIFY(!TaskMgr::getInstance()->getTask(0)->IsRunning());
+    QCOMPARE(fixture.m_pcWindow->width(), width);
+}
+
+void tstHostileTexts::hugeStopTextEndsTheTask()
+{
+    WindowFixture fixture;
+    open(fixture, taskText("Test Scripted", "Test.Hostile", hugeOption("stop")));
+
+    fixture.runButton(0)->click();
+
+    QTRY_VERIFY_WITH_TIMEOUT(!TaskMgr::getInstance()->getTask(0)->IsRunning(), 60000);
+    QTRY_VERIFY_WITH_TIMEOUT(fixture.output()->text().startsWith(QStringLiteral("HHHH")), 60000);
+}
+
+void tstHostileTexts::errorThatIsNoTextIsShownAsFarAsItIs()
+{
+    WindowFixture fixture;
+    open(fixture, taskText("Test Scripted", "Test.Hostile", "bytes;0"));
+    ModalDriver driver;
+    driver.box(QMessageBox::Ok);
+
+    fixture.runButton(0)->click();
+    QTRY_VERIFY(driver.done());
+
+    QVERIFY(driver.m_lstBoxes.at(0).m_strText.startsWith(QStringLiteral("算法\"short\"出错, 错误信息:")));
+    QVERIFY(driver.m_lstBoxes.at(0).m_strText.endsWith(QStringLiteral(" bytes")));
+}
+
+void tstHostileTexts::librariesThatAnswerNullRunForever()
+{
+    WindowFixture fixture;
+    // The source that answers null has no name, too, and so cannot be found: the algorithm gets pictures of another.
+    open(fixture, taskText("Test Scripted", "", ""));
+
+    fixture.runButton(0)->click();
+
+    QTRY_VERIFY(TaskMgr::getInstance()->getTask(0)->getPassNum() > 20);
+    fixture.runButton(0)->click();
+    QVERIFY(!TaskMgr::getInstance()->getTask(0)->IsRunning());
+}
+
+QTEST_MAIN(tstHostileTexts)
+#include "tstHostileTexts.moc"
