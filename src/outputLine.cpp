@@ -1,6 +1,7 @@
 #include "outputLine.h"
 
 #include "threadAnnotations.h"
+#include "threadGuards.h"
 #include "windowMessages.h"
 
 #include <QLabel>
@@ -77,6 +78,7 @@ void OutputLine::print(const QString& message)
         return;
     state.m_bBusy = true;
     // By name and with the lock held: nothing of the event is touched by two threads without the lock between them.
+    const ThreadGuards::PostingScope posting;
     QMetaObject::invokeMethod(state.m_pcLine, "showNewest", Qt::QueuedConnection);
 }
 
