@@ -1,6 +1,5 @@
 #include "drawing/directDrawing.h"
 
-#include "drawing/grayPalette.h"
 #include "drawing/greyOverlay.h"
 #include "drawing/imagePlacement.h"
 #include "drawing/pictureSampling.h"
@@ -9,6 +8,7 @@
 
 #include <QImage>
 
+#include <array>
 #include <cstring>
 #include <vector>
 
@@ -102,36 +102,48 @@ private:
 class OverlayColours
 {
 public:
-    OverlayColours(const GreyOverlay& overlay, std::size_t count) : m_cOverlay(overlay), m_vecRgb(3 * count)
+    OverlayColours(const GreyOverlay& overlay, std::size_t count)
+        : m_cOverlay(overlay), m_nCount(count), m_vecRgb(3 * count + sizeof(Pixel))
     {
+        for (std::size_t value = 0; value < m_aColours.size(); ++value)
+            m_aColours[value] = pixelOf(overlay.colourOf(static_cast<int>(value)));
         if (overlay.m_eColours == GreyOverlay::Colours::OneColour)
-            fill([&overlay](std::size_t) { return overlay.m_nColour; });
+            fill([colour = pixelOf(overlay.m_nColour)](std::size_t) { return colour; });
     }
 
     /// Valid until the next call; colours of values that are not shown are of no account.
     const unsigned char* coloursOf(const unsigned char* grey)
     {
         if (m_cOverlay.m_eColours == GreyOverlay::Colours::Greys)
-            Pixels::rgbOfGrey(grey, m_vecRgb.data(), m_vecRgb.size() / 3);
+            Pixels::rgbOfGrey(grey, m_vecRgb.data(), m_nCount);
         else if (m_cOverlay.m_eColours == GreyOverlay::Colours::Blocks)
-            fill([grey](std::size_t index) { return grayPalette()[grey[index]]; });
+            fill([this, grey](std::size_t index) { return m_aColours[grey[index]]; });
         return m_vecRgb.data();
     }
 
 private:
-    template <typename ColourAt>
-    void fill(ColourAt colourAt)
+    /// Red, green, blue and a byte that the next pixel overwrites: one store instead of three.
+    using Pixel = std::array<unsigned char, 4>;
+
+    static Pixel pixelOf(QRgb colour)
     {
-        unsigned char* pixel = m_vecRgb.data();
-        for (std::size_t i = 0; i < m_vecRgb.size() / 3; ++i, pixel += 3) {
-            const QRgb colour = colourAt(i);
-            pixel[0] = static_cast<unsigned char>(qRed(colour));
-            pixel[1] = static_cast<unsigned char>(qGreen(colour));
-            pixel[2] = static_cast<unsigned char>(qBlue(colour));
+        return {static_cast<unsigned char>(qRed(colour)), static_cast<unsigned char>(qGreen(colour)),
+                static_cast<unsigned char>(qBlue(colour)), 0};
+    }
+
+    template <typename PixelAt>
+    void fill(PixelAt pixelAt)
+    {
+        unsigned char* target = m_vecRgb.data();
+        for (std::size_t i = 0; i < m_nCount; ++i, target += 3) {
+            const Pixel pixel = pixelAt(i);
+            std::memcpy(target, pixel.data(), sizeof pixel);
         }
     }
 
     const GreyOverlay& m_cOverlay;
+    std::size_t m_nCount;
+    std::array<Pixel, 256> m_aColours;  ///< By grey value.
     std::vector<unsigned char> m_vecRgb;
 };
 

@@ -108,13 +108,27 @@ private:
     /// A picture as long as the real one whose colours are the numbers of their columns or rows.
     QImage numbers() const
     {
-        QImage picture(sized(length(m_cRequest.m_cPicture), 2), QImage::Format_ARGB32_Premultiplied);
+        const bool isArgb = m_cRequest.m_cKind == PainterPicture::Argb;
+        QImage picture(sized(length(m_cRequest.m_cPicture), 2),
+                       isArgb ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB888);
         for (int y = 0; y < picture.height(); ++y) {
-            auto* row = reinterpret_cast<QRgb*>(picture.scanLine(y));
-            for (int x = 0; x < picture.width(); ++x)
-                row[x] = 0xFF000000U | static_cast<QRgb>(m_bAcross ? x : y);
+            unsigned char* row = picture.scanLine(y);
+            for (int x = 0; x < picture.width(); ++x) {
+                const QRgb colour = 0xFF000000U | static_cast<QRgb>(m_bAcross ? x : y);
+                if (isArgb)
+                    reinterpret_cast<QRgb*>(row)[x] = colour;
+                else
+                    putRgb(row + 3 * x, colour);
+            }
         }
-        return m_cRequest.m_cKind == PainterPicture::Argb ? picture : picture.convertToFormat(QImage::Format_RGB888);
+        return picture;
+    }
+
+    static void putRgb(unsigned char* pixel, QRgb colour)
+    {
+        pixel[0] = static_cast<unsigned char>(qRed(colour));
+        pixel[1] = static_cast<unsigned char>(qGreen(colour));
+        pixel[2] = static_cast<unsigned char>(qBlue(colour));
     }
 
     const Request& m_cRequest;

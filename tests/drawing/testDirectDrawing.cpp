@@ -203,7 +203,7 @@ void forManyCases(Check check)
         }
     }
     Chance chance(20);
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < 150; ++i) {
         Case random{chance.size(), chance.size(), chance.between(0, 3), chance.between(0, 1)};
         if (chance.oneOf(5))  // unscaled, with half pixels where the other sides differ by an odd number
             random.m_cPicture.setWidth(random.m_cCanvas.width());
@@ -219,6 +219,21 @@ std::unique_ptr<Kind> optionFor(const Case& which, Pixels& pixels)
     option->setScaleType(which.m_nScaleType);
     option->setAlignType(which.m_nAlignType);
     return option;
+}
+
+/// An option with such pixels draws them, in every case, as the painter draws the picture that they stand for.
+template <typename Kind>
+void checkReplacing(Pixels (*pixelsOf)(QSize, unsigned), QImage (*pictureOf)(const Pixels&))
+{
+    const Store store = makeStore();
+    unsigned seed = 0;
+    forManyCases([&](const Case& which) {
+        Pixels pixels = pixelsOf(which.m_cPicture, ++seed);
+        QImage canvas = noise(which.m_cCanvas);
+        optionFor<Kind>(which, pixels)->draw(&canvas, store.get());
+        QVERIFY2(sameBytes(canvas, painted(black(which.m_cCanvas), pictureOf(pixels), which.source())),
+                 which.text().constData());
+    });
 }
 
 /// Mode, lapped, mask value, mask colour of an overlay, and the colours that it should show.
@@ -299,28 +314,12 @@ private Q_SLOTS:
 
 void TestDirectDrawing::colourPicturesAreDrawnAsThePainterDrawsThem()
 {
-    const Store store = makeStore();
-    unsigned seed = 0;
-    forManyCases([&](const Case& which) {
-        Pixels pixels = colourPixels(which.m_cPicture, ++seed);
-        QImage canvas = noise(which.m_cCanvas);
-        optionFor<Drawing::DIBDrawingOpt>(which, pixels)->draw(&canvas, store.get());
-        QVERIFY2(sameBytes(canvas, painted(black(which.m_cCanvas), rgbOfColour(pixels), which.source())),
-                 which.text().constData());
-    });
+    checkReplacing<Drawing::DIBDrawingOpt>(colourPixels, rgbOfColour);
 }
 
 void TestDirectDrawing::normalGreyPicturesAreDrawnAsThePainterDrawsThem()
 {
-    const Store store = makeStore();
-    unsigned seed = 0;
-    forManyCases([&](const Case& which) {
-        Pixels pixels = greyPixels(which.m_cPicture, ++seed);
-        QImage canvas = noise(which.m_cCanvas);
-        optionFor<Drawing::Gray8DrawingOpt>(which, pixels)->draw(&canvas, store.get());
-        QVERIFY2(sameBytes(canvas, painted(black(which.m_cCanvas), rgbOfGrey(pixels), which.source())),
-                 which.text().constData());
-    });
+    checkReplacing<Drawing::Gray8DrawingOpt>(greyPixels, rgbOfGrey);
 }
 
 void TestDirectDrawing::overlaysAreDrawnAsThePainterDrawsThem()
@@ -348,7 +347,7 @@ void TestDirectDrawing::partsOfEveryKindAreDrawnAsThePainterDrawsThem()
 {
     Chance chance(5);
     int drawn = 0;
-    for (unsigned i = 1; i <= 500; ++i) {
+    for (unsigned i = 1; i <= 300; ++i) {
         const QSize size = chance.size();
         const QSize picture = chance.size();
         const QRectF part = anyPart(chance, size, picture);
@@ -371,7 +370,7 @@ void TestDirectDrawing::partsOfEveryKindAreDrawnAsThePainterDrawsThem()
                      textOf(size, picture, part));
         }
     }
-    QVERIFY2(drawn > 150, QByteArray::number(drawn));
+    QVERIFY2(drawn > 90, QByteArray::number(drawn));
 }
 
 void TestDirectDrawing::picturesThatEndInTheMiddleOfAPixel()
