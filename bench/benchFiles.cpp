@@ -1,4 +1,4 @@
-// What do the loading and the saving step cost, beside QImage with the same file?
+// What do the loading and the saving step cost, beside QImage and OpenCV with the same file?
 #include "loading/loading.h"
 #include "paramStore/arithmParamMgr.h"
 #include "saving/saving.h"
@@ -8,8 +8,14 @@
 
 #include <benchmark/benchmark.h>
 
+#ifdef LUMIVANT_BENCH_OPENCV
+#include <opencv2/imgcodecs.hpp>
+#endif
+
 #include <cstring>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -88,6 +94,37 @@ void saveByStep(benchmark::State& state)
     for (auto _ : state)
         Saving::execute(option.data(), store.get());
 }
+
+#ifdef LUMIVANT_BENCH_OPENCV
+
+/// The second argument is <BeGray>.
+void loadByOpenCv(benchmark::State& state)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a." + suffix(state));
+    picture().save(path);
+    const int mode = state.range(1) == 1 ? cv::IMREAD_GRAYSCALE : cv::IMREAD_COLOR;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(cv::imread(path.toStdString(), mode).cols);
+}
+
+void saveByOpenCv(benchmark::State& state)
+{
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath("a." + suffix(state)).toStdString();
+    QImage image = picture();
+    const cv::Mat matrix(Height, Width, CV_8UC3, image.bits());
+    std::vector<int> settings;
+    if (state.range(0) == 0)
+        settings = {cv::IMWRITE_JPEG_QUALITY, 75};  // as the saving step
+    for (auto _ : state)
+        cv::imwrite(path, matrix, settings);
+}
+
+BENCHMARK(loadByOpenCv)->ArgsProduct({{0, 1, 2}, {0, 1}})->Unit(benchmark::kMillisecond);
+BENCHMARK(saveByOpenCv)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
+
+#endif
 
 BENCHMARK(loadByQt)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
 BENCHMARK(loadByStep)->ArgsProduct({{0, 1, 2}, {0, 1}})->Unit(benchmark::kMillisecond);

@@ -74,7 +74,11 @@ def rows(time, window):
         for grey, kind in enumerate(("colour", "grey")):
             yield f"loading a full HD {name} as {kind} / QImage", time[f"loadByStep/{number}/{grey}"], \
                 time[f"loadByQt/{number}"], "-", None
+            yield from beside(time, f"loading a full HD {name} as {kind} / OpenCV", f"loadByStep/{number}/{grey}",
+                              f"loadByOpenCv/{number}/{grey}", 1 if name == "JPG" else 1.1)
         yield f"saving a full HD {name} / QImage", time[f"saveByStep/{number}"], time[f"saveByQt/{number}"], "-", None
+        yield from beside(time, f"saving a full HD {name} / OpenCV", f"saveByStep/{number}", f"saveByOpenCv/{number}",
+                          {"JPG": 1, "PNG": 1.2, "BMP": 1.1}[name])
     frame = 16e6
     yield "window away, 99th percentile / a frame", window["p99_ms"] * 1e6, frame, "at most 1", \
         window["p99_ms"] <= 16

@@ -4,7 +4,6 @@
 
 #include <QIODevice>
 #include <QImage>
-#include <QtEndian>
 
 #include <algorithm>
 #include <cstring>
@@ -33,26 +32,27 @@ QByteArray header(const QImage& picture)
     const int colours = is8Bits(picture) ? PaletteColours : 0;
     const std::int64_t pixelBytes = rowBytes(picture) * picture.height();
     const int pixelsAt = HeaderBytes + colours * 4;
-    QByteArray bytes(pixelsAt, '\0');
-    char* data = bytes.data();
-    const auto put = [data](int offset, std::int64_t number) {
-        qToLittleEndian(static_cast<quint32>(number), data + offset);
+    QByteArray bytes("BM", 2);
+    bytes.reserve(pixelsAt);
+    const auto put = [&bytes](std::int64_t number) {
+        for (int shift = 0; shift < 32; shift += 8)
+            bytes.append(static_cast<char>(number >> shift & 0xFF));
     };
-    data[0] = 'B';
-    data[1] = 'M';
-    put(2, pixelsAt + pixelBytes);
-    put(10, pixelsAt);
-    put(14, 40);  // bytes of what follows up to the palette
-    put(18, picture.width());
-    put(22, picture.height());  // the last row comes first
-    put(26, 1 | picture.depth() << 16);
-    put(34, pixelBytes);
-    put(38, picture.dotsPerMeterX());
-    put(42, picture.dotsPerMeterY());
-    put(46, colours);
-    put(50, colours);
+    put(pixelsAt + pixelBytes);
+    put(0);
+    put(pixelsAt);
+    put(40);  // bytes of what follows up to the palette
+    put(picture.width());
+    put(picture.height());  // the last row comes first
+    put(1 | picture.depth() << 16);
+    put(0);  // not compressed
+    put(pixelBytes);
+    put(picture.dotsPerMeterX());
+    put(picture.dotsPerMeterY());
+    put(colours);
+    put(colours);
     for (int colour = 0; colour < colours; ++colour)
-        put(HeaderBytes + 4 * colour, picture.color(colour) & 0xFFFFFFU);
+        put(picture.color(colour) & 0xFFFFFFU);
     return bytes;
 }
 
