@@ -12,7 +12,7 @@
 namespace {
 
 constexpr int PauseMs = 16;
-constexpr int MostCharacters = 10000;  ///< Far more than a line shows.
+constexpr int MostCharacters = 64 * 1024;  ///< Far more than a line shows.
 
 /// Where the threads leave their newest message.
 struct Relay
