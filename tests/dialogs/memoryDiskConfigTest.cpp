@@ -115,6 +115,25 @@ private Q_SLOTS:
         QVERIFY(box.came());
     }
 
+    void doubleClickOnNoRowTakesNothing()
+    {
+        DlgMemoryDiskConfig dialog(QString(), m_pcStore, nullptr);
+        dialog.show();
+        doubleClickCell(child<QTableWidget>(dialog, "tblRGB"), 1);
+
+        dialog.on_tblRGB_cellDoubleClicked(7, 0);
+
+        QCOMPARE(child<QLineEdit>(dialog, "edtName")->text(), QString());
+        const BoxAnswer box;
+        click(dialog, "btnOK");
+        QCOMPARE(box.text(), QStringLiteral("未选择输入变量."));
+        dialog.on_tblGray8_cellDoubleClicked(-1, 0);
+        QCOMPARE(child<QLineEdit>(dialog, "edtType")->text(), QStringLiteral("Gray8"));
+        const BoxAnswer again;
+        click(dialog, "btnOK");
+        QVERIFY(again.came());
+    }
+
     void okWithoutInputWarnsAndStaysOpen_data()
     {
         QTest::addColumn<QString>("config");

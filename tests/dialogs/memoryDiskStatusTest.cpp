@@ -104,13 +104,21 @@ private Q_SLOTS:
 
     void labelsStandInTheGroupThatTheyName()
     {
-        const QMap<QString, QStringList> groups{
-            {"groupBox", {"label", "label_3", "label_4", "label_6", "btnClear0"}},
-            {"groupBox_2", {"label_2", "label_5", "label_7", "label_8", "btnClear1"}},
-            {"groupBox_3", {"label_24", "label_12", "label_13", "label_14", "btnClear2"}}};
+        const QMap<QString, QStringList> groups{{"groupBox", {"label", "label_3", "label_4", "label_6"}},
+                                                {"groupBox_2", {"label_2", "label_5", "label_7", "label_8"}},
+                                                {"groupBox_3", {"label_24", "label_12", "label_13", "label_14"}}};
         for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
             for (const QString& name : group.value())
                 QCOMPARE(dialog().findChild<QWidget*>(name)->parentWidget()->objectName(), group.key());
+        }
+    }
+
+    void controlsStandInTheGroupOfTheirNumber()
+    {
+        const QStringList groups{"groupBox", "groupBox_2", "groupBox_3"};
+        for (int group = 0; group < GroupNum; ++group) {
+            for (const char* name : {"cmbDataType", "cmbMemDisk", "pbProcessing", "pbWaiting", "btnClear"})
+                QCOMPARE(child<QWidget>(dialog(), of(name, group))->parentWidget()->objectName(), groups.at(group));
         }
     }
 

@@ -4,7 +4,11 @@
 #include <QSet>
 #include <QtTest>
 
+#include <atomic>
+#include <chrono>
+#include <functional>
 #include <limits>
+#include <thread>
 
 class TestMemoryDisk : public QObject
 {
@@ -164,6 +168,74 @@ class TestMemoryDisk : public QObject
         Kind::release(disk, slot);
     }
 
+    static constexpr int Attempts = 10;  ///< A busy machine may be late, but not every time.
+
+    static bool endsWithinASecond(const std::function<void()>& operation)
+    {
+        for (int attempt = 0; attempt < Attempts; ++attempt) {
+            QElapsedTimer clock;
+            clock.start();
+            operation();
+            if (clock.elapsed() < 1300)
+                return true;
+        }
+        return false;
+    }
+
+    /// Whether an operation that has to wait succeeds with what comes a moment after it began, on another thread.
+    static bool succeedsWith(const std::function<void()>& whatComes, const std::function<bool()>& operation)
+    {
+        std::atomic<bool> begun{false};
+        bool success = false;
+        std::thread waiting([&] {
+            begun = true;
+            success = operation();
+        });
+        while (!begun)
+            std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        whatComes();
+        waiting.join();
+        return success;
+    }
+
+    template <typename Kind>
+    static bool requestGetsThePictureThatComes(MemoryDisk* disk)
+    {
+        drain<Kind>(disk);
+        return succeedsWith([disk] { addNumbered<Kind>(disk, 1); },
+                            [disk] {
+                                auto* slot = Kind::request(disk);
+                                if (slot)
+                                    Kind::release(disk, slot);
+                                return slot != nullptr;
+                            });
+    }
+
+    template <typename Kind>
+    static bool addGetsTheSlotThatComes(MemoryDisk* disk)
+    {
+        drain<Kind>(disk);
+        for (int number = 0; number < 6; ++number)
+            addNumbered<Kind>(disk, number);
+        return succeedsWith([disk] { Kind::release(disk, Kind::request(disk)); },
+                            [disk] { return Kind::add(disk, numberedBytes(24, 6), 4, 2); });
+    }
+
+    template <typename Kind>
+    static void waitEnds(MemoryDisk* disk)
+    {
+        bool got = false;
+        bool stored = false;
+        for (int attempt = 0; attempt < Attempts && !(got && stored); ++attempt) {
+            got = got || requestGetsThePictureThatComes<Kind>(disk);
+            stored = stored || addGetsTheSlotThatComes<Kind>(disk);
+        }
+        QVERIFY(got);
+        QVERIFY(stored);
+        drain<Kind>(disk);
+    }
+
 private slots:
     void cleanup()
     {
@@ -208,6 +280,21 @@ private slots:
         emptyRequest<GreyKind>(MemoryDisk::getInstance(1));
     }
 
+    void noWaitIsLongerThanASecond()
+    {
+        MemoryDisk* disk = MemoryDisk::getInstance(1);
+        QVERIFY(endsWithinASecond([disk] { QVERIFY(!disk->requestDIB()); }));
+        for (int number = 0; number < 6; ++number)
+            addNumbered<GreyKind>(disk, number);
+        QVERIFY(endsWithinASecond([disk] { QVERIFY(!GreyKind::add(disk, numberedBytes(8, 6), 4, 2)); }));
+    }
+
+    void waitEndsWhenASlotOrAPictureComes()
+    {
+        waitEnds<ColourKind>(MemoryDisk::getInstance(2));
+        waitEnds<GreyKind>(MemoryDisk::getInstance(2));
+    }
+
     void picturesComeOutInTheOrderTheyWentIn()
     {
         order<ColourKind>(MemoryDisk::getInstance(2));
@@ -234,6 +321,26 @@ private slots:
         exactBytes<ColourKind>(disk, 1, 1, 4);
         exactBytes<GreyKind>(disk, 101, 50, 5050);
         exactBytes<GreyKind>(disk, 1, 1, 1);
+    }
+
+    void pictureIsCopied()
+    {
+        MemoryDisk* disk = MemoryDisk::getInstance(3);
+        std::array<unsigned char, 24> pixels{};
+        pixels.fill(5);
+        QVERIFY(disk->addDIB(pixels.data(), 4, 2));
+        QVERIFY(disk->addGray8(pixels.data(), 6, 4));
+
+        pixels.fill(99);
+
+        MemoryDisk::DIB* colour = disk->requestDIB();
+        MemoryDisk::Gray8* grey = disk->requestGray8();
+        for (int i = 0; i < 24; ++i) {
+            QCOMPARE(int{colour->getDIB()[i]}, 5);
+            QCOMPARE(int{grey->getGray8()[i]}, 5);
+        }
+        disk->releaseDIB(colour);
+        disk->releaseGray8(grey);
     }
 
     void steadyStreamAllocatesNothingAfterTheFirstSix()

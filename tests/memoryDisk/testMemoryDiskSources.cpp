@@ -176,6 +176,22 @@ private slots:
         QCOMPARE(disk(3)->getDIBProcessingNum(), 0);
     }
 
+    void sameNumberInAnotherSourceIsAnotherInstance()
+    {
+        ColourKind::add(disk(0), numberedBytes(24, 1), 4, 2);
+        ColourKind::add(disk(1), numberedBytes(24, 2), 4, 2);
+        int width = 0;
+        int height = 0;
+        QVERIFY(MemoryDiskCallBack0::MemoryDiskRequestPicture(7, "RGB", &width, &height));
+        QVERIFY(MemoryDiskCallBack1::MemoryDiskRequestPicture(7, "RGB", &width, &height));
+        MemoryDiskCallBack0::MemoryDiskReleasePicture(7);
+        QCOMPARE(disk(0)->getDIBProcessingNum(), 0);
+        QCOMPARE(disk(1)->getDIBProcessingNum(), 1);
+        MemoryDiskCallBack1::MemoryDiskReleasePicture(7);
+        QCOMPARE(disk(1)->getDIBProcessingNum(), 0);
+        QCOMPARE(disk(1)->getDIBIdleNum(), 6);
+    }
+
     void secondRequestWithoutReleaseLosesTheFirstSlotForGoodOnPurpose()
     {
         ColourKind::add(disk(4), numberedBytes(24, 1), 4, 2);

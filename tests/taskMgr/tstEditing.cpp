@@ -54,6 +54,7 @@ private Q_SLOTS:
     void cancelledWindowAddsNothing();
     void addingWithoutASourceSaysSoAndOpensTheWindow();
     void insertingAtTheFrontWithoutASourceSaysNothing();
+    void modifyingTheFirstStepWithoutASourceSaysNothing();
     void failingPreparationIsShownAndTheWindowOpens();
     void unknownEntryIsNotFinded();
     void storeIsCleanedBeforeThePreparation();
@@ -280,6 +281,22 @@ void tstEditing::insertingAtTheFrontWithoutASourceSaysNothing()
     probe->trigger();
     QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("No datasource assigned.")});
     QCOMPARE(task->getTaskItem().size(), 4);
+}
+
+void tstEditing::modifyingTheFirstStepWithoutASourceSaysNothing()
+{
+    auto task = makeSourcelessTask(steps("ab"));
+    const Tab tab(*task);
+    const BoxAnswer answer;
+
+    selectRow(tab, 0);
+    task->modifyOption();
+    QCOMPARE(answer.m_lstTexts, QStringList());
+
+    selectRow(tab, 1);
+    task->modifyOption();
+    QCOMPARE(answer.m_lstTexts, QStringList{QStringLiteral("No datasource assigned.")});
+    QCOMPARE(options(*task), QStringList({QStringLiteral("new|"), QStringLiteral("new|")}));
 }
 
 void tstEditing::failingPreparationIsShownAndTheWindowOpens()

@@ -1,3 +1,4 @@
+#include "dialogDriver.h"
 #include "taskMgr/taskMgr.h"
 #include "taskTestSupport.h"
 
@@ -55,6 +56,7 @@ private Q_SLOTS:
     void runHereRunsUpToTheSelectedStep();
     void runHereNeedsASelection();
     void runHereShowsTheFailure();
+    void sourceIsStoppedOnlyOnceTheFailureWasRead();
     void runHereShowsNoEmptyMessage();
     void runHereResetsTheCounters();
     void runHereTimesOutAfterTenSeconds();
@@ -267,6 +269,26 @@ void tstFlowTable::runHereShowsTheFailure()
     QCOMPARE(answer.m_lstTitles, QStringList{QStringLiteral("Warning")});
     QCOMPARE(Probes::sourceCalls("stop"), 1);
     QCOMPARE(Reports::messages(), QStringList());
+}
+
+void tstFlowTable::sourceIsStoppedOnlyOnceTheFailureWasRead()
+{
+    auto task = makeTask({missingStep(), step("b")});
+    const Tab tab(*task);
+    selectRow(tab, 1);
+    int stops = 0;
+    for (const auto command : {&TaskInfo::runHere, &TaskInfo::modifyOption}) {
+        int stopsAtBox = -1;
+        const DialogDriver::WhenModal<QMessageBox> user([&stopsAtBox](QMessageBox& box) {
+            stopsAtBox = Probes::sourceCalls("stop");
+            box.button(QMessageBox::Ok)->click();
+        });
+
+        (task.get()->*command)();
+
+        QCOMPARE(stopsAtBox, stops);
+        QCOMPARE(Probes::sourceCalls("stop"), ++stops);
+    }
 }
 
 void tstFlowTable::runHereShowsNoEmptyMessage()

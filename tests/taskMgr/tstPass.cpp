@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 #include <QtTest>
 
+#include <limits>
+
 namespace {
 
 const char* const TimeOutText =
@@ -19,6 +21,28 @@ TaskItem drawingStep(const char* option, int maxExeTimes = -1)
     item.m_strArithmID = QStringLiteral("KW_Drawing");
     item.m_strOption = QString::fromUtf8(option);
     return item;
+}
+
+TaskItem slowStep(int milliseconds)
+{
+    TaskItem item = step("");
+    item.m_strArithmID = QStringLiteral("Test.Slow");
+    item.m_strOption = QString::number(milliseconds) + QLatin1Char(';');
+    return item;
+}
+
+TaskItem traceStep(const char* name)
+{
+    TaskItem item = step(name);
+    item.m_strArithmID = QStringLiteral("Test.Trace");
+    return item;
+}
+
+/// A message callback that keeps which steps had run and how often the source had been stopped when a message came.
+QStringList s_lstStates;
+void keepState(QString)
+{
+    s_lstStates += Probes::trace() + QLatin1Char(' ') + QString::number(Probes::sourceCalls("stop"));
 }
 
 int queuedFor(int view)
@@ -42,9 +66,11 @@ private Q_SLOTS:
     void passWithoutAPictureRunsNothing();
     void passWithoutStepsDoesNothing();
     void pictureIsInTheStoreWhenStepsRun();
+    void storeIsNotClearedBetweenStepsAndPasses();
     void limitedStepRunsInItsFirstPasses();
     void stepsWithoutALimitRunInEveryPass_data();
     void stepsWithoutALimitRunInEveryPass();
+    void executionCounterNeverOverflows();
     void resetAfterwardsResetsTheCountersOnEveryWayOut();
     void lastStepEndsThePass();
     void lastStepBehindTheListEndsAtItsEnd();
@@ -52,6 +78,7 @@ private Q_SLOTS:
     void waitingForThePictureCountsForTheTimeOut();
     void endlessLoopTimesOut();
     void timesAreShownWhereCountersAreReset();
+    void stepTimeIsTheAlgorithmsOwn();
     void timeIsShownInTheRowBehindASkip();
     void timesWithoutATableAreNotShown();
     void optionReachesTheAlgorithmUnchangedInEveryPass();
@@ -68,6 +95,7 @@ private Q_SLOTS:
     void singleRunResetsTheCountersFirst();
     void singleRunReportsInItsOwnWordsOnPurpose();
     void singleRunReportsThePassAndTheEnd();
+    void singleRunReportsThePassBeforeTheEndAndTheEndBehindTheSource();
     void finishedPassesAreCounted();
 };
 
@@ -143,6 +171,17 @@ void tstPass::pictureIsInTheStoreWhenStepsRun()
     QCOMPARE(picture->getName(), QStringLiteral("img"));
 }
 
+void tstPass::storeIsNotClearedBetweenStepsAndPasses()
+{
+    auto task = makeTask({traceStep("a"), traceStep("b")});
+
+    QVERIFY(pass(*task));
+    QVERIFY(pass(*task));
+
+    QCOMPARE(task->getArithmParamMgr()->getParamStrings(900)->getStrings(),
+             (QVector<QByteArray>{"a|", "b|", "a|", "b|"}));
+}
+
 void tstPass::limitedStepRunsInItsFirstPasses()
 {
     auto task = makeTask({step("a", "", 3), step("b")});
@@ -181,6 +220,19 @@ void tstPass::stepsWithoutALimitRunInEveryPass()
 
     QCOMPARE(Probes::trace(), trace);
     QCOMPARE(task->getTaskItem().first().m_nExeTimes, trace.count(QLatin1Char('a')));
+}
+
+void tstPass::executionCounterNeverOverflows()
+{
+    constexpr int Largest = std::numeric_limits<int>::max();
+    auto task = makeTask(steps("a"));
+    task->getTaskItem()[0].m_nExeTimes = Largest - 1;
+
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(pass(*task));
+
+    QCOMPARE(task->getTaskItem().first().m_nExeTimes, Largest);
+    QCOMPARE(Probes::trace(), QStringLiteral("a,a,a"));
 }
 
 void tstPass::resetAfterwardsResetsTheCountersOnEveryWayOut()
@@ -224,10 +276,7 @@ void tstPass::lastStepBehindTheListEndsAtItsEnd()
 
 void tstPass::timeOutIsSeenBeforeTheNextStep()
 {
-    TaskItem slow = step("");
-    slow.m_strArithmID = QStringLiteral("Test.Slow");
-    slow.m_strOption = QStringLiteral("60;");
-    auto task = makeTask({slow, step("b")});
+    auto task = makeTask({slowStep(60), step("b")});
     QString message;
 
     QVERIFY(!task->runOnce(message, true, -1, 20));
@@ -263,10 +312,7 @@ void tstPass::endlessLoopTimesOut()
 
 void tstPass::timesAreShownWhereCountersAreReset()
 {
-    TaskItem slow = step("");
-    slow.m_strArithmID = QStringLiteral("Test.Slow");
-    slow.m_strOption = QStringLiteral("30;");
-    auto task = makeTask({slow, step("b", "", 0), step("c")});
+    auto task = makeTask({slowStep(30), step("b", "", 0), step("c")});
     const Tab tab(*task);
     QString message;
 
@@ -279,6 +325,23 @@ void tstPass::timesAreShownWhereCountersAreReset()
     bool isNumber = false;
     tab.cell(2, 2).toInt(&isNumber);
     QVERIFY(isNumber);
+}
+
+void tstPass::stepTimeIsTheAlgorithmsOwn()
+{
+    constexpr int WaitMs = 150;
+    auto task = makeTask({slowStep(WaitMs), step("b")}, QStringLiteral("wait=150"));
+    const Tab tab(*task);
+    QString message;
+
+    // A busy machine may delay a step, but not every time.
+    bool own = false;
+    for (int round = 0; round < 20 && !own; ++round) {
+        QVERIFY(task->runOnce(message, true, -1, -1));
+        QVERIFY(tab.cell(0, 2).toInt() >= WaitMs);
+        own = tab.cell(0, 2).toInt() < 2 * WaitMs && tab.cell(1, 2).toInt() < WaitMs;
+    }
+    QVERIFY(own);
 }
 
 void tstPass::timeIsShownInTheRowBehindASkip()
@@ -478,6 +541,17 @@ void tstPass::singleRunReportsThePassAndTheEnd()
     QCOMPARE(Reports::messages(),
              QStringList({QStringLiteral("No datasource assigned."), QStringLiteral("Arithm\"缺\"is not existed.")}));
     QCOMPARE(Probes::trace(), QStringLiteral("end"));
+}
+
+void tstPass::singleRunReportsThePassBeforeTheEndAndTheEndBehindTheSource()
+{
+    auto task = makeTask({missingStep(), step("end", "bad", 999999999)});
+    task->setMssageCallBack(keepState);
+    s_lstStates.clear();
+
+    task->runTaskOnce();
+
+    QCOMPARE(s_lstStates, QStringList({QStringLiteral(" 0"), QStringLiteral("end 1")}));
 }
 
 void tstPass::finishedPassesAreCounted()

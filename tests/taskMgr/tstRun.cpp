@@ -74,6 +74,18 @@ private:
     std::size_t m_nBefore = 0;
 };
 
+/// The threads on which the callbacks of a task were called last.
+std::atomic<std::thread::id> s_cMessageThread;
+std::atomic<std::thread::id> s_cPrintThread;
+void keepMessageThread(QString)
+{
+    s_cMessageThread = std::this_thread::get_id();
+}
+void keepPrintThread(QString)
+{
+    s_cPrintThread = std::this_thread::get_id();
+}
+
 std::mutex s_cMtxLog;
 QStringList s_lstLog;  // Guarded by s_cMtxLog.
 void keepLog(QtMsgType, const QMessageLogContext&, const QString& text)
@@ -128,6 +140,9 @@ private Q_SLOTS:
     void labelOfThreadEntryIsOneBelowTheProcessor();
     void kernelBindsTheThread_data();
     void kernelBindsTheThread();
+    void passesFollowEachOtherWithoutAPause();
+    void messagesArriveOnTheWindowsThreadAndPrintsOnTheTasks();
+    void tasksRunSideBySide();
     void signalTellsHowTheRunEnded();
     void reportCalledByHandReturnsTheTabToIdle();
     void passesAreLoggedOnlyWhereAskedFor();
@@ -427,6 +442,46 @@ void tstRun::kernelBindsTheThread()
 
     QCOMPARE(Probes::affinity(), processors);
     QVERIFY(ownProcessors().length() >= processors.length());  // the window's thread stays as it was
+}
+
+// A pause of a millisecond would be too long.
+void tstRun::passesFollowEachOtherWithoutAPause()
+{
+    auto task = makeTask({});
+
+    task->startTask();
+
+    QTRY_VERIFY_WITH_TIMEOUT(task->getPassNum() >= 20000, 20000);
+    task->stopTask();
+}
+
+void tstRun::messagesArriveOnTheWindowsThreadAndPrintsOnTheTasks()
+{
+    auto task = makeTask({step("a", "<CMD>print:x</CMD>"), missingStep()}, Paced);
+    task->setMssageCallBack(keepMessageThread);
+    task->setPrintCallBack(keepPrintThread);
+
+    task->startTask();
+
+    QTRY_VERIFY(s_cMessageThread.load() != std::thread::id());
+    QVERIFY(s_cMessageThread.load() == std::this_thread::get_id());
+    QVERIFY(s_cPrintThread.load() != std::thread::id());
+    QVERIFY(s_cPrintThread.load() != std::this_thread::get_id());
+}
+
+void tstRun::tasksRunSideBySide()
+{
+    auto first = makeTask({step("gate")}, Paced);
+    auto second = makeTask({step("gate")}, Paced);
+
+    first->startTask();
+    second->startTask();
+
+    QTRY_COMPARE(Probes::atGate(), 2);  // each within its step
+    Probes::openGate();
+    first->stopTask();
+    QVERIFY(second->IsRunning());
+    second->stopTask();
 }
 
 void tstRun::signalTellsHowTheRunEnded()

@@ -1,4 +1,5 @@
 #include "globalFunction.h"
+#include "processMemory.h"
 #include "taskMgr/taskMgr.h"
 #include "taskTestSupport.h"
 #include "view/viewForm.h"
@@ -41,6 +42,7 @@ private Q_SLOTS:
     void deletingARunningTaskWaitsForItsStep();
     void taskMayDieAtTheMomentOfItsLastSignal();
     void runThatEndsAtOnceNeverStaysRunning();
+    void endedThreadsLeaveNothingBehind();
     void startAndStopMayFollowEachOtherQuickly();
     void reportOfAnEarlierRunOnlyPassesItsMessageOn();
     void reportOfAnEarlierRunThatWasStoppedChangesNothing();
@@ -125,6 +127,24 @@ void tstRunSafety::runThatEndsAtOnceNeverStaysRunning()
         QVERIFY(tab.allEnabled());
         QCOMPARE(tab.m_cRun.text(), QString::fromUtf8(StartText));
     }
+}
+
+// Nobody joins them.
+void tstRunSafety::endedThreadsLeaveNothingBehind()
+{
+    constexpr int RunNum = 100;
+    constexpr long StackBytes = 4L << 20;  // usual are twice as many
+    auto task = makeTask({}, Paced);
+    task->startTask();
+    task->stopTask();
+    const long before = addressSpaceBytes();
+
+    for (int run = 0; run < RunNum; ++run) {
+        task->startTask();
+        task->stopTask();
+    }
+
+    QVERIFY(addressSpaceBytes() - before < RunNum * StackBytes);
 }
 
 void tstRunSafety::startAndStopMayFollowEachOtherQuickly()

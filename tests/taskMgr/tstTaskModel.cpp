@@ -1,4 +1,7 @@
 #include "arithm/arithmFactory.h"
+#include "dialogDriver.h"
+#include "paramStore/arithmParamMgr.h"
+#include "processMemory.h"
 #include "taskMgr/taskMgr.h"
 #include "taskTestSupport.h"
 
@@ -7,6 +10,7 @@
 #include <QtTest>
 
 #include <array>
+#include <cstring>
 #include <thread>
 #include <vector>
 
@@ -43,7 +47,9 @@ private Q_SLOTS:
     void rowShowsDescribeOrNameAndAReadOnlyTime();
     void rowsFilledByTheProgramAreNoEdits();
     void cancelledSourceChoiceChangesNothing();
+    void chosenSourceReplacesTheOldOneAndItsText();
     void deletingATaskRemovesItsSourceInstance();
+    void deletedTaskGivesItsPicturesBack();
 
     void unknownIdFindsNothingAndAddsNothing();
     void idsStayWhenATaskIsRemoved();
@@ -53,6 +59,7 @@ private Q_SLOTS:
     void addingTheSameTaskAgainKeepsItOnce();
     void replacedTaskMayComeBack();
     void addTaskOverwritesTheMisspeltCallBacks();
+    void callBacksReachOnlyTasksAddedLater();
     void clearStopsAndDeletesRunningTasks();
     void deleteThisForgetsTheInstance();
     void instanceIsOneForManyThreads();
@@ -320,6 +327,30 @@ void tstTaskModel::cancelledSourceChoiceChangesNothing()
     QCOMPARE(task->getDataSourceConfig(), config);
 }
 
+void tstTaskModel::chosenSourceReplacesTheOldOneAndItsText()
+{
+    auto task = makeTask({});
+    const auto* old = task->getDataSourceInstance();
+    const DialogDriver::InDialog<QDialog> user([](QDialog& dialog) {
+        auto* kinds = DialogDriver::child<QListWidget>(dialog, "lbSourceNames");
+        QCOMPARE(kinds->item(0)->text(), QStringLiteral("Memory Disk 0"));
+        DialogDriver::clickRow(kinds, 0);
+        DialogDriver::click(dialog, "btnSetting");
+        DialogDriver::type(dialog, "edtName", QStringLiteral("other"));
+        DialogDriver::click(dialog, "btnOK");
+    });
+
+    task->DataSourceClicked();
+
+    QVERIFY(user.came());
+    QVERIFY(task->getDataSourceInstance());
+    QVERIFY(task->getDataSourceInstance() != old);
+    QCOMPARE(task->getDataSourceConfig(),
+             QStringLiteral("<DSName>Memory Disk 0</DSName><OutputName>other</OutputName><OutputDescribe>"
+                            "</OutputDescribe><OutputType>RGB</OutputType><OutputID>1</OutputID><Config></Config>"));
+    QCOMPARE(Probes::sourceCalls("removeInstance"), 1);
+}
+
 void tstTaskModel::deletingATaskRemovesItsSourceInstance()
 {
     auto task = makeTask({});
@@ -328,6 +359,25 @@ void tstTaskModel::deletingATaskRemovesItsSourceInstance()
     task.reset();
 
     QCOMPARE(Probes::sourceCalls("removeInstance"), 1);
+}
+
+void tstTaskModel::deletedTaskGivesItsPicturesBack()
+{
+    constexpr int TaskNum = 20;
+    constexpr int Width = 8000;
+    constexpr int Height = 5000;
+    const long before = residentBytes();
+
+    for (int i = 0; i < TaskNum; ++i) {
+        auto task = makeSourcelessTask();
+        ParamGray8* picture = task->getArithmParamMgr()->getParamGray8(1);
+        picture->resize(Width, Height);
+        QVERIFY(picture->getGray8());
+        std::memset(picture->getGray8(), i, Width * Height);
+    }
+
+    // Half of all pictures: a sanitizer keeps some of what was given back.
+    QVERIFY(residentBytes() - before < TaskNum / 2 * Width * Height);
 }
 
 void tstTaskModel::unknownIdFindsNothingAndAddsNothing()
@@ -456,6 +506,27 @@ void tstTaskModel::addTaskOverwritesTheMisspeltCallBacks()
 
     QCOMPARE(Reports::messages(), QStringList{QStringLiteral("over")});
     QCOMPARE(Reports::prints(), QStringList{QStringLiteral("hello")});
+}
+
+void tstTaskModel::callBacksReachOnlyTasksAddedLater()
+{
+    TaskMgr* tasks = TaskMgr::getInstance();
+    const auto addPrinting = [tasks](int id) {
+        const QString result = QStringLiteral("<CMD>print:%1</CMD>").arg(id);
+        tasks->addTask(makeTask({probeStep(QStringLiteral("a"), result)}).release(), id);
+    };
+    addPrinting(0);
+    tasks->setMssageCallBack(Reports::message);
+    tasks->setPrintCallBack(Reports::print);
+    addPrinting(1);
+
+    for (int id = 0; id < 2; ++id) {
+        tasks->getTask(id)->threadFinishedArrived(QString::number(id), false);
+        tasks->getTask(id)->runTaskOnce();
+    }
+
+    QCOMPARE(Reports::messages(), QStringList{QStringLiteral("1")});
+    QCOMPARE(Reports::prints(), QStringList{QStringLiteral("1")});
 }
 
 void tstTaskModel::clearStopsAndDeletesRunningTasks()

@@ -9,6 +9,10 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <thread>
 
 using namespace DrawingSupport;
 
@@ -113,6 +117,59 @@ private Q_SLOTS:
         delete window.m_apcViews[0];
 
         QTRY_COMPARE_WITH_TIMEOUT(waiting(1), 0, 30000);
+    }
+
+    void pressAndMoveRepaintByThemselves()
+    {
+        WatchedWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QTest::qWait(50);  // the paints that come with showing
+        ViewForm* view = window.m_apcViews[0];
+        const auto repaints = [&window](const std::function<void()>& act) {
+            QCoreApplication::processEvents();
+            window.m_vecPaints.clear();
+            act();
+            return QTest::qWaitFor([&window] { return window.m_vecPaints.contains(1); }, 10000);
+        };
+
+        QVERIFY(repaints([view] { QTest::mousePress(view, Qt::LeftButton, Qt::NoModifier, {10, 10}); }));
+        QVERIFY(repaints([view] {
+            QMouseEvent move(QEvent::MouseMove, QPointF(20, 30), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(view, &move);
+        }));
+        QVERIFY(repaints([view] { QTest::mousePress(view, Qt::RightButton, Qt::NoModifier, {15, 15}); }));
+    }
+
+    // A task that queues its next option never waits until the view has drawn the last one.
+    void recordIsFreeWhileAnOptionIsDrawn()
+    {
+        constexpr int Enough = 20;  // Far more than fit between two draws.
+        const Store store = makeStore();
+        store->getParamLines(1)->replaceAll(QVector<ParamLines::Line>(100000, {0, 0, 190, 170}));
+        WatchedWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        std::atomic<bool> stop{false};
+        std::atomic<int> turns{0};
+        std::thread task([&stop, &turns] {
+            while (!stop) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                const ViewRecord record(0);
+                turns += record ? 1 : 0;
+            }
+        });
+        int most = 0;
+        for (int i = 0; i < 20 && most < Enough; ++i) {
+            QByteArray text("<View>0</View><DataType>4</DataType><DataID>1</DataID>");
+            Drawing::execute(text.data(), store.get());
+            const int before = turns;
+            window.m_apcViews[0]->repaint();
+            most = std::max(most, turns - before);
+        }
+        stop = true;
+        task.join();
+        QVERIFY2(most >= Enough, qPrintable(QString::number(most)));
     }
 
     void aHiddenViewDoesNotHoldTheOthersUp()

@@ -1,4 +1,5 @@
 #include "pluginFolders.h"
+#include "processMemory.h"
 #include "windowFixture.h"
 
 #include <QElapsedTimer>
@@ -7,8 +8,6 @@
 #include <atomic>
 #include <thread>
 #include <vector>
-
-#include <unistd.h>
 
 /// What tasks print, from any thread.
 class TestOutputLine : public QObject
@@ -28,12 +27,6 @@ private Q_SLOTS:
 };
 
 namespace {
-
-long residentBytes()
-{
-    const QByteArray text = readFile(QStringLiteral("/proc/self/statm"));
-    return text.split(' ').at(1).toLong() * sysconf(_SC_PAGESIZE);
-}
 
 /// Counts how often a label gets a text, by the tip that is set with it.
 class ChangeCounter : public QObject

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void titleIsTheProgramsName();
     void actionsHaveTheirTextsAndKeys_data();
     void actionsHaveTheirTextsAndKeys();
+    void menuBarHoldsItsMenusInOrder();
     void menusHoldTheirActionsInOrder_data();
     void menusHoldTheirActionsInOrder();
     void toolBarShowsTheActionsWithIcons();
@@ -45,6 +46,7 @@ private Q_SLOTS:
     void longMessageWidensNothing();
     void messageIsShownAsItIs();
     void clearButtonEmptiesTheOutputLine();
+    void clearButtonRepaintsTheStripAtOnce();
     void nameInputHasItsTexts();
     void nameInputKeepsTheTextOnlyWhenAccepted();
     void closingAndAnsweringNoKeepsAllTasks();
@@ -83,6 +85,15 @@ void TestWindowForm::actionsHaveTheirTextsAndKeys()
     const auto* const action = fixture.child<QAction>(QTest::currentDataTag());
     QCOMPARE(action->text(), text);
     QCOMPARE(action->shortcut(), QKeySequence(key));
+}
+
+void TestWindowForm::menuBarHoldsItsMenusInOrder()
+{
+    const WindowFixture fixture;
+    QStringList names;
+    for (const QAction* const action : fixture.child<QMenuBar>("menuBar")->actions())
+        names.append(action->menu()->objectName());
+    QCOMPARE(names, (QStringList{"menuOption", "menuProcess", "menu"}));
 }
 
 void TestWindowForm::menusHoldTheirActionsInOrder_data()
@@ -333,6 +344,29 @@ void TestWindowForm::clearButtonEmptiesTheOutputLine()
     fixture.press("btnClearMsg");
     QCOMPARE(fixture.output()->text(), QString());
     QCOMPARE(fixture.output()->toolTip(), QString());
+}
+
+void TestWindowForm::clearButtonRepaintsTheStripAtOnce()
+{
+    class PaintCounter : public QObject
+    {
+    public:
+        bool eventFilter(QObject* /*watched*/, QEvent* event) override
+        {
+            m_nCount += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+        int m_nCount = 0;
+    };
+    const WindowFixture fixture;
+    MainWindow::HavePrintMessage(QStringLiteral("消息"));
+    QCoreApplication::processEvents();
+    PaintCounter paints;
+    fixture.child<QWidget>("wgViewControl")->installEventFilter(&paints);
+
+    fixture.m_pcWindow->on_btnClearMsg_clicked();
+
+    QCOMPARE(paints.m_nCount, 1);  // without a turn of the event loop
 }
 
 void TestWindowForm::nameInputHasItsTexts()

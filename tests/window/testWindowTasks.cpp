@@ -37,6 +37,7 @@ private Q_SLOTS:
     void functionKeysStartAndStopAll();
     void taskWithoutSourceShowsOneBox();
     void boxesOfManyTasksFollowOneAnotherAndNoneIsLost();
+    void messageComesInAnAboutBox();
     void markupInAMessageIsShownAsItIs();
     void destroyingTheWindowStopsRunningTasks();
 
@@ -417,6 +418,25 @@ void TestWindowTasks::boxesOfManyTasksFollowOneAnotherAndNoneIsLost()
         QVERIFY(!TaskMgr::getInstance()->getTask(i)->IsRunning());
     QVERIFY(driver.done());
     QCOMPARE(driver.m_nMostBoxes, 1);
+}
+
+void TestWindowTasks::messageComesInAnAboutBox()
+{
+    const WindowFixture fixture;
+    ModalDriver driver;
+    driver.dialog([&driver](QWidget* widget) {
+        auto* const box = qobject_cast<QMessageBox*>(widget);
+        driver.m_lstBoxes.append({box->windowTitle(), box->text(), box->standardButtons(), QMessageBox::NoButton});
+        ModalDriver::press(box->button(QMessageBox::Ok));
+        return box->icon() == QMessageBox::NoIcon;  // an information or a warning has one
+    });
+
+    HaveErrorMessage(QStringLiteral("text"));
+
+    QVERIFY(driver.done());
+    QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, QStringLiteral("警告"));
+    QCOMPARE(driver.m_lstBoxes.at(0).m_strText, QStringLiteral("text"));
+    QCOMPARE(driver.m_lstBoxes.at(0).m_nButtons, QMessageBox::StandardButtons(QMessageBox::Ok));
 }
 
 void TestWindowTasks::markupInAMessageIsShownAsItIs()
