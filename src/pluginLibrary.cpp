@@ -125,7 +125,6 @@ PluginLibrary::PluginLibrary(const QString& path, const QVector<const char*>& na
         const QFunctionPointer function = library->resolve(name);
         if (!function) {
             m_eState = State::Incomplete;
-            m_strError = library->errorString();
             // Kept on purpose: a half-fitting library stays mapped for the life of the process.
             keepIncomplete(std::move(library));
             return;

@@ -4,7 +4,8 @@ Works on tokens, so that comments, texts and preprocessor lines are told from co
 .clang-format gives is used: a binary operator has a blank on both sides, a template bracket has not.
 """
 import re
-from dataclasses import dataclass
+from collections import Counter
+from dataclasses import dataclass, replace
 
 TOKEN = re.compile(r"""
     (?P<space>\s+)
@@ -26,8 +27,8 @@ NO_STATEMENT = {"return", "if", "else", "for", "while", "do", "switch", "case", 
                 "using", "typedef", "static_assert", "class", "struct", "enum", "namespace", "template", "public",
                 "private", "protected", "friend", "const", "constexpr", "static", "auto", "extern", "inline", "virtual",
                 "explicit", "operator", "signals", "slots", "try", "catch", "union", "Q_OBJECT", "Q_DISABLE_COPY"}
-LOCK = re.compile(r"^(const )?(ThreadGuards::MutexGuard|MutexGuard|QMutexLocker|std::(lock_guard|scoped_lock|"
-                  r"unique_lock|shared_lock)(<[^;]*>)?|ThreadGuards::PostingScope|PostingScope) \w+[({]")
+LOCK = re.compile(r"^(const )?[\w:]*(Guard|Scope|Locker|lock_guard|scoped_lock|unique_lock|shared_lock)(<[^;]*>)? "
+                  r"\w+[({]")
 LOCK_CALL = re.compile(r"^(ThreadGuards::)?((un)?lock|announce\w+)\(|(\.|->)(un)?lock\(\)$")
 
 
@@ -106,7 +107,17 @@ class Finder:
                 self._word(i, token)
             if self._begins_statement(i):
                 self._statement(i)
-        return sorted(set(self.found), key=lambda m: (m.start, m.end, m.put))
+        return self._numbered(sorted(set(self.found), key=lambda m: (m.start, m.end, m.put)))
+
+    @staticmethod
+    def _numbered(found):
+        """Tells equal changes of one line apart."""
+        seen = Counter()
+        for i, mutation in enumerate(found):
+            seen[mutation.line, mutation.shown] += 1
+            if seen[mutation.line, mutation.shown] > 1:
+                found[i] = replace(mutation, shown=f"{mutation.shown} #{seen[mutation.line, mutation.shown]}")
+        return found
 
     # ---- Single tokens ----
 

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
 #include <limits>
 
 using State = PluginLibrary::State;
@@ -25,15 +26,40 @@ class TestPluginLibrary : public QObject
         return path;
     }
 
-    void refused(const QByteArray& content) const
+    /// Refused, for this very reason when one is given.
+    void refused(const QByteArray& content, const QString& reason = {}) const
     {
         const QString path = write("refused.so", content);
         PluginLibrary library(path, m_vecNames);
+        if (!reason.isEmpty())
+            QCOMPARE(library.errorString(), QStringLiteral("Cannot load library %1: (%2)").arg(path, reason));
         QCOMPARE(int(library.state()), int(State::Unloadable));
         QVERIFY2(library.errorString().contains(path), qPrintable(library.errorString()));
         QVERIFY(library.errorString().size() > path.size() + 5);
         QVERIFY(!library.takeLibrary());
         QVERIFY(!PluginFolders::isLoaded(path));
+    }
+
+    /// A library whose last segment reaches so many bytes over the end of the file.
+    static QByteArray withLastSegmentOver(const QByteArray& library, int bytes)
+    {
+        return withSegment(library, [&](ElfW(Phdr) & segment) {
+            segment.p_filesz = static_cast<decltype(segment.p_filesz)>(library.size() + bytes) - segment.p_offset;
+            segment.p_memsz = std::max(segment.p_memsz, segment.p_filesz);
+        });
+    }
+
+    static QByteArray withFirstTooLong(QByteArray library)
+    {
+        library = withLoadableFirst(library);
+        ElfW(Ehdr) header;
+        std::memcpy(&header, library.constData(), sizeof header);
+        ElfW(Phdr) segment;
+        std::memcpy(&segment, library.constData() + header.e_phoff, sizeof segment);
+        segment.p_filesz = static_cast<decltype(segment.p_filesz)>(library.size());
+        segment.p_offset = 1;
+        std::memcpy(library.data() + header.e_phoff, &segment, sizeof segment);
+        return library;
     }
 
 private slots:
@@ -106,18 +132,44 @@ private slots:
             refused(whole.left(length) + QByteArray(whole.size() - length, filler));
     }
 
-    void libraryWithoutATableOfSectionsIsTried()
+    void libraryThatIsOnlyUnusualIsTried_data()
     {
-        const QByteArray stripped = withHeader(libraryBytes("algorithmUnresolved"), [](ElfW(Ehdr) & header) {
-            header.e_shoff = 0;
-            header.e_shnum = 0;
-            header.e_shstrndx = 0;
-        });
+        using Header = ElfW(Ehdr);
+        QTest::addColumn<QByteArray>("content");
+        const QByteArray plain = libraryBytes("algorithmUnresolved");
+        const auto header = [&plain](auto edit) { return withHeader(plain, edit); };
+        constexpr auto Far = std::numeric_limits<decltype(Header::e_shoff)>::max() - 8;
+        const auto sections = [](Header& h, decltype(h.e_shoff) offset, int names) {
+            h.e_shoff = offset;
+            h.e_shnum = 0;
+            h.e_shstrndx = static_cast<decltype(h.e_shstrndx)>(names);
+        };
+        QTest::newRow("no table of sections") << header([&](Header& h) { sections(h, 0, 0); });
+        QTest::newRow("no sections but a place of their names") << header([&](Header& h) { sections(h, 0, 5); });
+        QTest::newRow("no sections but a table far away") << header([&](Header& h) { sections(h, Far, 0); });
+        QTest::newRow("no names of sections") << header([](Header& h) { h.e_shstrndx = SHN_UNDEF; });
+        QTest::newRow("too many sections to say where") << header([](Header& h) { h.e_shstrndx = SHN_XINDEX; });
+        QTest::newRow("stack behind the end") << withStackBehindTheEnd(plain);
+        QTest::newRow("segment up to the very end") << withLastSegmentOver(plain, 0);
+        QTest::newRow("table of segments at the end") << withSegmentsAtTheEnd(plain);
+    }
+
+    void libraryThatIsOnlyUnusualIsTried()
+    {
+        QFETCH(QByteArray, content);
         // The loader itself refuses it, for what it lacks. One that stayed loaded would hide the names of all functions
         // from a sanitizer.
-        PluginLibrary library(write("stripped.so", stripped), m_vecNames);
+        PluginLibrary library(write("unusual.so", content), m_vecNames);
         QVERIFY2(library.errorString().contains("lumivantTestFunctionThatNobodyHas"),
                  qPrintable(library.errorString()));
+    }
+
+    void libraryOfOneSegmentIsTried()
+    {
+        const QByteArray content = withHeader(withLoadableFirst(libraryBytes("algorithmEcho")),
+                                              [](ElfW(Ehdr) & header) { header.e_phnum = 1; });
+        PluginLibrary library(write("oneSegment.so", content), m_vecNames);
+        QVERIFY2(library.errorString().contains("no dynamic section"), qPrintable(library.errorString()));
     }
 
     void whatIsNoLibraryForThisMachineIsRefused_data()
@@ -125,41 +177,53 @@ private slots:
         using Header = ElfW(Ehdr);
         using Segment = ElfW(Phdr);
         QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("reason");
         const QByteArray good = libraryBytes("algorithmEcho");
-        const auto header = [&good](auto edit) { return withHeader(good, edit); };
-        const auto segment = [&good](auto edit) { return withSegment(good, edit); };
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("text") << QByteArray("This is no library.\n");
-        QTest::newRow("long text") << QByteArray(100000, 'x');
-        QTest::newRow("zeros") << QByteArray(100000, '\0');
-        QTest::newRow("magic and garbage") << QByteArray(
-                                                  "\x7f"
-                                                  "ELF") +
-                                                  QByteArray(100000, '\xA5');
-        QTest::newRow("header and garbage") << good.left(sizeof(Header)) + QByteArray(good.size(), '\xA5');
-        QTest::newRow("other machine") << libraryOfAnotherMachine();
-        QTest::newRow("other word size") << header([](Header& h) { h.e_ident[EI_CLASS] ^= 3; });
-        QTest::newRow("other byte order") << header([](Header& h) { h.e_ident[EI_DATA] ^= 3; });
-        QTest::newRow("object file") << header([](Header& h) { h.e_type = ET_REL; });
-        QTest::newRow("program") << header([](Header& h) { h.e_type = ET_EXEC; });
-        QTest::newRow("no segments") << header([](Header& h) { h.e_phnum = 0; });
-        QTest::newRow("too many segments") << header([](Header& h) { h.e_phnum = 0xFFFF; });
-        QTest::newRow("segment size") << header([](Header& h) { h.e_phentsize = 1; });
-        QTest::newRow("segments far away")
-            << header([](Header& h) { h.e_phoff = std::numeric_limits<decltype(h.e_phoff)>::max() - 8; });
-        QTest::newRow("sections far away")
-            << header([](Header& h) { h.e_shoff = std::numeric_limits<decltype(h.e_shoff)>::max() - 8; });
-        QTest::newRow("section names elsewhere") << header([](Header& h) { h.e_shstrndx = 1; });
-        QTest::newRow("segment too long")
-            << segment([](Segment& s) { s.p_filesz = std::numeric_limits<decltype(s.p_filesz)>::max(); });
-        QTest::newRow("segment behind the end")
-            << segment([](Segment& s) { s.p_offset = std::numeric_limits<decltype(s.p_offset)>::max(); });
+        const auto row = [](const char* name, const QByteArray& content, const char* reason) {
+            QTest::newRow(name) << content << reason;
+        };
+        const auto header = [&](const char* name, const char* reason, auto edit) {
+            row(name, withHeader(good, edit), reason);
+        };
+        constexpr auto Far = std::numeric_limits<decltype(Header::e_phoff)>::max() - 8;
+        row("empty", QByteArray(), "file is too short");
+        row("text", "This is no library.\n", "file is too short");
+        row("long text", QByteArray(100000, 'x'), "not a library");
+        row("zeros", QByteArray(100000, '\0'), "not a library");
+        row("magic and garbage", QByteArray(ELFMAG) + QByteArray(100000, '\xA5'), "wrong word size");
+        row("header and garbage", good.left(sizeof(Header)) + QByteArray(good.size(), '\xA5'), "no segments to load");
+        row("other machine", libraryOfAnotherMachine(), "made for another machine");
+        header("other word size", "wrong word size", [](Header& h) { h.e_ident[EI_CLASS] ^= 3; });
+        header("other byte order", "wrong byte order", [](Header& h) { h.e_ident[EI_DATA] ^= 3; });
+        header("object file", "not a shared library", [](Header& h) { h.e_type = ET_REL; });
+        header("program", "not a shared library", [](Header& h) { h.e_type = ET_EXEC; });
+        header("no segments", "no segments to load", [](Header& h) { h.e_phnum = 0; });
+        header("too many segments", "file is cut off", [](Header& h) { h.e_phnum = 0xFFFF; });
+        header("segment size", "no segments to load", [](Header& h) { h.e_phentsize = 1; });
+        header("segments far away", "file is cut off", [](Header& h) { h.e_phoff = Far; });
+        header("sections far away", "file is cut off", [](Header& h) { h.e_shoff = Far; });
+        header("one section far away", "file is cut off", [](Header& h) {
+            h.e_shoff = Far;
+            h.e_shnum = 1;
+            h.e_shstrndx = SHN_UNDEF;
+        });
+        header("section names elsewhere", "file is damaged", [](Header& h) { h.e_shstrndx = 1; });
+        header("one section and the names elsewhere", "file is damaged", [](Header& h) {
+            h.e_shnum = 1;
+            h.e_shstrndx = 1;
+        });
+        const auto tooLong = [](Segment& s) { s.p_filesz = std::numeric_limits<decltype(s.p_filesz)>::max(); };
+        row("segment too long", withSegment(good, tooLong), "file is cut off");
+        row("first segment too long", withFirstTooLong(good), "file is cut off");
+        row("segment one byte too long", withLastSegmentOver(good, 1), "file is cut off");
+        row("segment behind the end", withSegment(good, [](Segment& s) { s.p_offset = Far; }), "file is cut off");
     }
 
     void whatIsNoLibraryForThisMachineIsRefused()
     {
         QFETCH(QByteArray, content);
-        refused(content);
+        QFETCH(QString, reason);
+        refused(content, reason);
     }
 
     void nothingToLoadAtAllIsRefused()
@@ -170,7 +234,7 @@ private slots:
         });
         QByteArray zeros = content;
         std::memset(zeros.data() + sizeof(ElfW(Ehdr)), 0, 64 * sizeof(ElfW(Phdr)));
-        refused(zeros);
+        refused(zeros, "no segments to load");
     }
 
     void missingFileAndFolderAreRefused()
@@ -178,7 +242,7 @@ private slots:
         for (const QString& path : {m_cFolder.filePath("missing.so"), m_cFolder.path()}) {
             PluginLibrary library(path, m_vecNames);
             QCOMPARE(int(library.state()), int(State::Unloadable));
-            QVERIFY(library.errorString().contains(path));
+            QVERIFY(library.errorString().startsWith(QStringLiteral("Cannot load library %1: (").arg(path)));
         }
     }
 

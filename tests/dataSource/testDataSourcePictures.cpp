@@ -32,6 +32,18 @@ unsigned char* bareRequest(int, const char*, int* width, int* height)
     return s_achPixels;
 }
 
+unsigned char* requestWithoutHeight(int instance, const char* type, int* width, int*)
+{
+    int height = 0;
+    return bareRequest(instance, type, width, &height);
+}
+
+unsigned char* requestWithoutWidth(int instance, const char* type, int*, int* height)
+{
+    int width = 0;
+    return bareRequest(instance, type, &width, height);
+}
+
 void bareRelease(int)
 {
     ++s_nBareCalls;
@@ -243,6 +255,42 @@ private slots:
             QVERIFY(!instance->execute());
         }
         QCOMPARE(s_nBareCalls, 0);
+    }
+
+    void outputIdBelowOneIsNeverAskedAPictureFor_data()
+    {
+        QTest::addColumn<int>("id");
+        QTest::newRow("zero") << 0;
+        QTest::newRow("negative") << -1;
+    }
+
+    void outputIdBelowOneIsNeverAskedAPictureFor()
+    {
+        QFETCH(int, id);
+        s_nBareCalls = 0;
+        const DataSource::DataSourceInfo kind(bareRequest, bareRelease, nullptr, bareSetConfig, nullptr, nullptr,
+                                              nullptr, nullptr);
+        const Instance instance(kind.newInstance("", m_cSource.store()));
+        instance->setDataType("RGB");
+        instance->setDataID(id);
+        QVERIFY(!instance->execute());
+        QCOMPARE(s_nBareCalls, 0);
+        QVERIFY(m_cSource.store()->requestParamDIBMap()->isEmpty());
+    }
+
+    void sourceThatDoesNotSayItsSizeHasNoPicture()
+    {
+        for (const auto request : {requestWithoutWidth, requestWithoutHeight}) {
+            const DataSource::DataSourceInfo kind(request, bareRelease, nullptr, bareSetConfig, nullptr, nullptr,
+                                                  nullptr, nullptr);
+            const Instance instance(kind.newInstance("", m_cSource.store()));
+            instance->setDataType("Gray8");
+            instance->setDataID(1);
+            s_nBareCalls = 0;
+            QVERIFY(!instance->execute());
+            QCOMPARE(s_nBareCalls, 2);
+            QCOMPARE(m_cSource.store()->getParamGray8(1)->getWidth(), 0);
+        }
     }
 
     void freshInstanceHasNoOutput()

@@ -353,6 +353,27 @@ private Q_SLOTS:
         QVERIFY(!m_pcStore->findParamGray16(4));
     }
 
+    void typeThatTheFormDoesNotOfferGetsItsRecordOrNone_data()
+    {
+        QTest::addColumn<QString>("id");
+        QTest::newRow("Gray16") << "4";
+        QTest::newRow("Gray32") << "-1";
+        QTest::newRow("") << "-1";
+    }
+    void typeThatTheFormDoesNotOfferGetsItsRecordOrNone()
+    {
+        QFETCH(QString, id);
+        const QString name = QLatin1String(QTest::currentDataTag());
+        DlgDataSource dialog(m_pcKinds, m_pcStore, savedText("Memory Disk 0", "RGB", "4", ""), nullptr);
+        dialog.show();
+        child<QComboBox>(dialog, "cbDataType")->addItem(name);
+        pick(dialog, "cbDataType", 2);
+        click(dialog, "btnSetting");
+        click(dialog, "btnOK");
+        QCOMPARE(dialog.getConfigString(), savedText("Memory Disk 0", name, id, ""));
+        QCOMPARE(m_pcStore->findParamGray16(4) != nullptr, id == "4");
+    }
+
     void cancelAndEscapeDeleteTheInstanceAndChangeNothing_data()
     {
         QTest::addColumn<bool>("escape");

@@ -98,14 +98,16 @@ void StoreListsTest::verticesAreCopiedOutByIndex()
     const StoreGuard store;
     ParamPolys* record = store->getParamPolys(1);
 
-    record->append({{0, 0}, {10, 0}, {5, 9}});
+    record->append({{3, 0}, {10, 0}, {5, 9}});
     record->append(ParamPolys::Poly());
 
     ParamPolys::Point vertex{};
     QCOMPARE(record->getPolyNum(), 2);
     QCOMPARE(record->getPolyVertNum(0), 3);
     QCOMPARE(record->getPolyVertNum(1), 0);
-    QVERIFY(record->getPolyVert(vertex, 0, 2) != 0);
+    QCOMPARE(record->getPolyVert(vertex, 0, 0), 1);
+    QCOMPARE(vertex.x, 3);
+    QCOMPARE(record->getPolyVert(vertex, 0, 2), 1);
     QCOMPARE(vertex.x, 5);
     QCOMPARE(vertex.y, 9);
 }
@@ -159,6 +161,7 @@ void StoreListsTest::stringIsCopiedWithoutATerminatingZero_data()
     QTest::newRow("room to spare") << 8 << 5 << QByteArray("hello###");
     QTest::newRow("exact") << 5 << 5 << QByteArray("hello###");
     QTest::newRow("too small") << 3 << 3 << QByteArray("hel#####");
+    QTest::newRow("one byte") << 1 << 1 << QByteArray("h#######");
     QTest::newRow("no room") << 0 << 0 << QByteArray("########");
     QTest::newRow("negative room") << -1 << 0 << QByteArray("########");
 }

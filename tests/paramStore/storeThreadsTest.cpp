@@ -126,6 +126,7 @@ private slots:
     void finderSeesWholeRecordsWhileAnotherThreadMakesThem();
     void freshIdsOfTwoThreadsNeverMeet();
     void sameIdAskedByTwoThreadsIsOneRecord();
+    void reservedIdsAreNeverFreshWhileAnotherThreadMakesRecords();
     void nameIsReadWholeWhileItChanges();
 
 private:
@@ -297,6 +298,24 @@ void StoreThreadsTest::sameIdAskedByTwoThreadsIsOneRecord()
 
     QCOMPARE(ours, theirs);
     QCOMPARE(store->requestParamAreasMap()->size(), Rounds);
+}
+
+void StoreThreadsTest::reservedIdsAreNeverFreshWhileAnotherThreadMakesRecords()
+{
+    const StoreGuard store;
+    std::set<int> fresh;
+    std::thread maker([&] {
+        for (int i = 0; i < Rounds; ++i)
+            fresh.insert(store->getParamDIB(-1)->getID());
+    });
+
+    for (int i = 0; i < Rounds; ++i)
+        store->reserveID(100 * Rounds + i);
+    maker.join();
+
+    QCOMPARE(int(fresh.size()), Rounds);
+    QCOMPARE(*fresh.rbegin(), Rounds);
+    QCOMPARE(store->getParamDIB(-1)->getID(), Rounds + 1);
 }
 
 void StoreThreadsTest::nameIsReadWholeWhileItChanges()

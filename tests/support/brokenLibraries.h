@@ -45,6 +45,57 @@ QByteArray withSegment(QByteArray library, const Edit& edit)
     return library;
 }
 
+/// A library whose table of segments begins with the first that is loaded.
+inline QByteArray withLoadableFirst(QByteArray library)
+{
+    ElfW(Ehdr) header;
+    std::memcpy(&header, library.constData(), sizeof header);
+    char* const first = library.data() + header.e_phoff;
+    ElfW(Phdr) segment;
+    for (int i = 0; i < header.e_phnum; ++i) {
+        char* at = first + static_cast<std::size_t>(i) * sizeof segment;
+        std::memcpy(&segment, at, sizeof segment);
+        if (segment.p_type != PT_LOAD)
+            continue;
+        std::memmove(at, first, sizeof segment);
+        std::memcpy(first, &segment, sizeof segment);
+        return library;
+    }
+    qFatal("There is no segment to load");
+}
+
+/// A library whose entry for the stack, of which nothing is loaded, points behind the end of the file.
+inline QByteArray withStackBehindTheEnd(QByteArray library)
+{
+    ElfW(Ehdr) header;
+    std::memcpy(&header, library.constData(), sizeof header);
+    for (int i = 0; i < header.e_phnum; ++i) {
+        ElfW(Phdr) segment;
+        char* at = library.data() + header.e_phoff + static_cast<std::size_t>(i) * sizeof segment;
+        std::memcpy(&segment, at, sizeof segment);
+        if (segment.p_type != PT_GNU_STACK)
+            continue;
+        segment.p_offset = static_cast<decltype(segment.p_offset)>(library.size()) + 1;
+        std::memcpy(at, &segment, sizeof segment);
+        return library;
+    }
+    qFatal("There is no entry for the stack");
+}
+
+/// A library whose table of segments lies behind everything else; zeros are left where it was.
+inline QByteArray withSegmentsAtTheEnd(QByteArray library)
+{
+    ElfW(Ehdr) header;
+    std::memcpy(&header, library.constData(), sizeof header);
+    const int size = header.e_phnum * int{sizeof(ElfW(Phdr))};
+    library += QByteArray(-library.size() & 15, '\0');
+    const QByteArray table = library.mid(static_cast<int>(header.e_phoff), size);
+    std::memset(library.data() + header.e_phoff, 0, static_cast<std::size_t>(size));
+    header.e_phoff = static_cast<decltype(header.e_phoff)>(library.size());
+    std::memcpy(library.data(), &header, sizeof header);
+    return library + table;
+}
+
 /// A good library as another machine would have it.
 inline QByteArray libraryOfAnotherMachine()
 {

@@ -29,7 +29,8 @@
  * - algorithmDrawingID: as Echo with "Impostor", "Not Drawing", and the identifier of a built-in, "KW_Drawing".
  * - algorithmTwinA, algorithmTwinB: as Echo, both "Twins", "Twin", with "Test.TwinA" and "Test.TwinB".
  * - algorithmSameIDA, algorithmSameIDB: as Echo, "Same", "First" and "Second", both "Test.Same".
- * - algorithmLateLoading: as Echo with "Late" and "Test.Late"; being asked for its class takes 200 ms.
+ * - algorithmLateLoading: as Echo with "Late" and "Test.Late"; being asked for its class, or the first
+ *   times for its identifier, takes 200 ms.
  * - algorithmNull: answers null to everything.
  * - algorithmLacks_<symbol>: four of the five entry points.
  * - algorithmUnresolved: needs a function that nobody has.

@@ -34,6 +34,9 @@ class tstResultText : public QObject
 private Q_SLOTS:
     void capacityGrowsByHalfUntilItExceedsTheLength_data();
     void capacityGrowsByHalfUntilItExceedsTheLength();
+    void capacityThatCouldNotGrowBeginsAtTwo();
+    void bufferThatIsJustFullGrows();
+    void nothingIsWrittenBehindTheZeroByte();
     void capacityNeverShrinks();
     void bufferStaysWhileItIsLargeEnough();
     void textIsUtf8WithAZeroByte();
@@ -68,6 +71,39 @@ void tstResultText::capacityGrowsByHalfUntilItExceedsTheLength()
     QCOMPARE(result, buffer.get());
     QCOMPARE(static_cast<int>(std::strlen(result)), length);
     result[capacity - 1] = '\0';  // the last byte is ours to write
+}
+
+void tstResultText::capacityThatCouldNotGrowBeginsAtTwo()
+{
+    for (const int capacity : {0, 1}) {
+        std::unique_ptr<char[]> buffer;
+        int size = capacity;
+        QCOMPARE(QByteArray(putResultText(buffer, size, QStringLiteral("x"))), QByteArray("x"));
+        QCOMPARE(size, 2);
+    }
+}
+
+void tstResultText::bufferThatIsJustFullGrows()
+{
+    std::unique_ptr<char[]> buffer;
+    int size = 8;
+    putResultText(buffer, size, ofLength(7));
+    QCOMPARE(size, 8);
+
+    putResultText(buffer, size, ofLength(8));
+
+    QCOMPARE(size, 12);
+}
+
+void tstResultText::nothingIsWrittenBehindTheZeroByte()
+{
+    std::unique_ptr<char[]> buffer;
+    int size = 8;
+    putResultText(buffer, size, ofLength(7));
+
+    putResultText(buffer, size, QStringLiteral("abc"));
+
+    QCOMPARE(QByteArray(buffer.get(), 8), QByteArray("abc\0xxx\0", 8));
 }
 
 void tstResultText::capacityNeverShrinks()

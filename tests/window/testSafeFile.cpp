@@ -6,11 +6,46 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cerrno>
 #include <csignal>
 
+#include <dlfcn.h>
+#include <sys/fsuid.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace {
+
+/// What the disk was asked to keep, in order: "file" or "folder", and what the watched file held at that moment.
+QStringList s_lstKept;
+QString s_strWatched;
+bool s_bFileRefused = false;
+bool s_bFolderRefused = false;
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
+}
+
+}  // namespace
+
+/// Stands in front of the C library's: a disk that refuses to keep what it was given cannot be had otherwise.
+extern "C" int fsync(int handle)
+{
+    struct stat what
+    {
+    };
+    const bool folder = ::fstat(handle, &what) == 0 && S_ISDIR(what.st_mode);
+    if (!s_strWatched.isEmpty())
+        s_lstKept += (folder ? "folder: " : "file: ") + contentOf(s_strWatched);
+    if (folder ? s_bFolderRefused : s_bFileRefused) {
+        errno = EIO;
+        return -1;
+    }
+    return reinterpret_cast<int (*)(int)>(dlsym(RTLD_NEXT, "fsync"))(handle);
+}
 
 /// Project files are read up to the first NUL and replaced in one step or not at all.
 class TestSafeFile : public QObject
@@ -29,14 +64,14 @@ private Q_SLOTS:
     void failureLeavesTheOldFile();
     void writeThatFailsMidwayLeavesTheOldFile();
     void leavesNoTemporaryBehind();
+    void refusesWhatMayNotBeRead();
+    void bytesAreKeptBeforeTheFileIsReplacedAndItsFolderAfterwards();
+    void diskThatRefusesToKeepTheBytesLeavesTheOldFile();
+    void folderThatCannotBeKeptIsNoFailure();
+    void everyHandleIsClosed();
 
 private:
     QString at(const char* name) const { return m_cFolder.filePath(QString::fromUtf8(name)); }
-    static QByteArray contentOf(const QString& path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-    }
     static void write(const QString& path, const QByteArray& bytes)
     {
         QFile file(path);
@@ -59,6 +94,7 @@ void TestSafeFile::readsUpToTheFirstNul_data()
     QTest::newRow("NUL within") << QByteArray("abc") + nul + "def" + nul << QByteArray("abc");
     QTest::newRow("long") << big << big;
     QTest::newRow("NUL far behind") << big + nul + big << big;
+    QTest::newRow("NUL where a piece begins") << big.left(65536) + nul + big << big.left(65536);
 }
 
 void TestSafeFile::readsUpToTheFirstNul()
@@ -168,6 +204,75 @@ void TestSafeFile::leavesNoTemporaryBehind()
     QVERIFY(!SafeFile::replaceFile(folder.filePath(QStringLiteral("nowhere/file")), "two"));
     QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList{QStringLiteral("file")});
+}
+
+void TestSafeFile::refusesWhatMayNotBeRead()
+{
+    constexpr uid_t Nobody = 65534;
+    write(at("secret"), "secret");
+    QVERIFY(QFile::setPermissions(at("secret"), {}));
+    QCOMPARE(::chmod(QFile::encodeName(m_cFolder.path()).constData(), 0711), 0);
+    QByteArray bytes("old");
+
+    ::setfsuid(Nobody);  // The superuser may read anything.
+    const bool isThere = QFileInfo(at("secret")).isFile();
+    const bool read = SafeFile::readUpToNul(at("secret"), bytes);
+    ::setfsuid(::geteuid());
+
+    QVERIFY(isThere);
+    QVERIFY(!read);
+    QCOMPARE(bytes, QByteArray("old"));
+}
+
+void TestSafeFile::bytesAreKeptBeforeTheFileIsReplacedAndItsFolderAfterwards()
+{
+    write(at("watched"), "old");
+    s_lstKept.clear();
+    s_strWatched = at("watched");
+
+    const bool replaced = SafeFile::replaceFile(at("watched"), "new");
+
+    s_strWatched.clear();
+    QVERIFY(replaced);
+    QCOMPARE(s_lstKept, (QStringList{"file: old", "folder: new"}));
+}
+
+void TestSafeFile::diskThatRefusesToKeepTheBytesLeavesTheOldFile()
+{
+    write(at("refused"), "old");
+    const QStringList before = QDir(m_cFolder.path()).entryList(QDir::AllEntries | QDir::Hidden);
+    s_bFileRefused = true;
+
+    const bool replaced = SafeFile::replaceFile(at("refused"), "new");
+
+    s_bFileRefused = false;
+    QVERIFY(!replaced);
+    QCOMPARE(contentOf(at("refused")), QByteArray("old"));
+    QCOMPARE(QDir(m_cFolder.path()).entryList(QDir::AllEntries | QDir::Hidden), before);
+}
+
+void TestSafeFile::folderThatCannotBeKeptIsNoFailure()
+{
+    s_bFolderRefused = true;
+
+    const bool replaced = SafeFile::replaceFile(at("kept"), "new");
+
+    s_bFolderRefused = false;
+    QVERIFY(replaced);
+    QCOMPARE(contentOf(at("kept")), QByteArray("new"));
+}
+
+void TestSafeFile::everyHandleIsClosed()
+{
+    const auto handles = [] { return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size(); };
+    QVERIFY(SafeFile::replaceFile(at("once"), "new"));
+    const int before = handles();
+
+    QVERIFY(SafeFile::replaceFile(at("once"), "newer"));
+    QByteArray bytes;
+    QVERIFY(SafeFile::readUpToNul(at("once"), bytes));
+
+    QCOMPARE(handles(), before);
 }
 
 QTEST_GUILESS_MAIN(TestSafeFile)
