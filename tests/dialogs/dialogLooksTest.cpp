@@ -1,3 +1,4 @@
+#include "configDialog.h"
 #include "dataSource/dlgDataSource.h"
 #include "dialogDriver.h"
 #include "drawing/dlgDrawingConfig.h"
@@ -11,6 +12,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QScopeGuard>
+#include <QScreen>
 
 using namespace DialogDriver;
 
@@ -231,6 +233,31 @@ private Q_SLOTS:
         dialog->show();
         QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
         QCOMPARE(QApplication::focusWidget()->objectName(), field);
+    }
+
+    void openedDialogFitsTheScreenAndKeepsItsFirstField()
+    {
+        for (const bool accept : {true, false}) {
+            QDialog dialog;
+            QLineEdit above(&dialog);
+            QLineEdit first(&dialog);
+            first.setFocus();
+            dialog.resize(9000, 8000);
+            QSize size;
+            bool hasHelp = true;
+            const QWidget* focused = nullptr;
+            const WhenModal<QDialog> user([&](QDialog& box) {
+                size = box.size();
+                hasHelp = box.windowFlags().testFlag(Qt::WindowContextHelpButtonHint);
+                focused = box.focusWidget();
+                box.done(accept ? QDialog::Accepted : QDialog::Rejected);
+            });
+            QCOMPARE(ConfigDialog::accepted(dialog), accept);
+            QVERIFY(user.came());
+            QCOMPARE(size, QGuiApplication::primaryScreen()->availableSize());
+            QVERIFY(!hasHelp);
+            QCOMPARE(focused, static_cast<const QWidget*>(&first));
+        }
     }
 
     void fieldsThatOnlyShowSomethingHaveTheGroundOfTheWindow_data()

@@ -1,4 +1,5 @@
 #include "drawing/drawingOpt.h"
+#include "drawing/pixelPool.h"
 #include "drawingSupport.h"
 #include "globalFunction.h"
 #include "threadGuards.h"
@@ -102,6 +103,7 @@ private Q_SLOTS:
     void stepQueuesForItsViewWithItsStore();
     void stepForAnUnknownViewQueuesNothing();
     void elevenOptionsLeaveTheTenNewest();
+    void optionThatIsPushedOutIsDeleted();
     void optionsComeOffInOrder();
     void viewsHaveQueuesOfTheirOwn();
     void takingOffAnEmptyQueueGivesNothing();
@@ -276,6 +278,25 @@ void TestDrawingQueue::elevenOptionsLeaveTheTenNewest()
         run(pointsText(0, id), store.get());
 
     QCOMPARE(waitingIds(0), (QVector<int>{2, 3, 4, 5, 6, 7, 8, 9, 10, 11}));
+}
+
+void TestDrawingQueue::optionThatIsPushedOutIsDeleted()
+{
+    const Store store = makeStore();
+    store->getParamGray8(1)->resize(701, 503);
+    std::memset(store->getParamGray8(1)->getGray8(), 1, 701 * 503);
+    registry().addView(0, nullptr);
+    const QByteArray text = "<DataType>1</DataType><DataID>1</DataID>";
+    for (int i = 0; i < 11; ++i)
+        run(text, store.get());
+    const auto before = PooledPixels::poolState().m_nAllocations;
+
+    for (int i = 0; i < 20; ++i)
+        run(text, store.get());
+
+    // Each new copy gets the memory of the option that was pushed out before it.
+    QCOMPARE(PooledPixels::poolState().m_nAllocations, before);
+    emptyQueue(0);
 }
 
 void TestDrawingQueue::optionsComeOffInOrder()

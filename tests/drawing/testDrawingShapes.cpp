@@ -69,6 +69,7 @@ private Q_SLOTS:
     void init();
     void pointsOfSizeZeroAreSinglePixels();
     void pointsOutsideTheCanvasAreLeftOut();
+    void singlePixelsKeepTheirAlphaAndOtherShapesAreOpaque();
     void pointsWithASizeAreCrosses();
     void shapesLandThroughTheViewsEntry();
     void everyKindOfShapeLandsThroughTheViewsEntry_data();
@@ -138,11 +139,38 @@ void TestDrawingShapes::pointsOfSizeZeroAreSinglePixels()
 
 void TestDrawingShapes::pointsOutsideTheCanvasAreLeftOut()
 {
-    m_cStore->getParamPoints(1)->replaceAll({{-1, 5}, {120, 5}, {5, -1}, {5, 100}});
+    m_cStore->getParamPoints(1)->replaceAll({{-1, 5}, {120, 5}, {5, -1}, {5, 100}, {5, 5}});
     const WarningCounter warnings;
-
-    QCOMPARE(difference(drawn("3", "<Color>-1</Color>"), blank()), QString());
+    QImage expected = blank();
+    expected.setPixel(5, 5, 0xFFFFFFFF);
+    QCOMPARE(difference(drawn("3", "<Color>-1</Color>"), expected), QString());
     QCOMPARE(warnings.count(), 0);
+}
+
+void TestDrawingShapes::singlePixelsKeepTheirAlphaAndOtherShapesAreOpaque()
+{
+    m_cStore->getParamPoints(1)->append({10, 10});
+    m_cStore->getParamLines(1)->append({30, 10, 50, 10});
+    m_cStore->getParamPolys(1)->append({{10, 30}, {30, 30}, {30, 50}});
+    m_cStore->getParamAreas(1)->append({0, 30, 50, 40, 60, 50, 40});
+    m_cStore->getParamStrings(1)->append("HHH");
+    const QByteArray config = "<Color>1090486288</Color><BorderColor>1090486288</BorderColor>";  // 0x40FF8010
+    const auto pixelsOf = [&](const char* dataType, const char* size, QRgb color) {
+        QImage canvas(120, 100, QImage::Format_ARGB32);
+        canvas.fill(Background);
+        option(dataType, config + size)->draw(&canvas, m_cStore.get());
+        int count = 0;
+        for (int i = 0; i < 120 * 100; ++i)
+            count += canvas.pixel(i % 120, i / 120) == color;
+        return count;
+    };
+
+    QCOMPARE(pixelsOf("3", "<Size>0</Size>", 0x40FF8010), 1);
+    QCOMPARE(pixelsOf("3", "<Size>2</Size>", OrangePixel), 9);
+    QCOMPARE(pixelsOf("4", "", OrangePixel), 21);
+    QVERIFY(pixelsOf("5", "", ExchangedOrange) > 40);
+    QVERIFY(pixelsOf("6", "", OrangePixel) > 80);
+    QVERIFY(pixelsOf("7", "<FontSize>40</FontSize>", OrangePixel) > 0);
 }
 
 void TestDrawingShapes::pointsWithASizeAreCrosses()
@@ -317,9 +345,12 @@ void TestDrawingShapes::polygonsAreClosedAndExchangeRedAndBlue()
 
 void TestDrawingShapes::polygonsOfTwoVerticesAreNotDrawn()
 {
-    m_cStore->getParamPolys(1)->replaceAll({{}, {{5, 5}}, {{10, 10}, {50, 10}}});
+    m_cStore->getParamPolys(1)->replaceAll({{}, {{5, 5}}, {{10, 10}, {50, 10}}, {{60, 60}, {80, 60}, {80, 60}}});
 
-    QCOMPARE(difference(drawn("5", "<BorderColor>-1</BorderColor><DspArea>1</DspArea>"), blank()), QString());
+    QImage expected = blank();
+    fill(expected, 60, 60, 80, 60, 0xFFFFFFFF);
+    write(expected, 73, 60, QStringLiteral("0.00"), 0xFF000000);
+    QCOMPARE(difference(drawn("5", "<BorderColor>-1</BorderColor><DspArea>1</DspArea>"), expected), QString());
 }
 
 void TestDrawingShapes::areaOfAPolygonStandsAtItsMeanVertexWithItsSign()

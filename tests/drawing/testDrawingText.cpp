@@ -17,6 +17,7 @@ class TestDrawingText : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void entriesStartAtScaleOneWithoutOffset();
     void identityIsThatOfTheDrawingStep();
     void textsWithoutAnOption_data();
     void textsWithoutAnOption();
@@ -27,6 +28,8 @@ private Q_SLOTS:
     void viewIsZeroUnlessItIsANumber_data();
     void viewIsZeroUnlessItIsANumber();
     void withoutConfigTheDefaultsStay();
+    void freshOptionsHaveTheirDefaults();
+    void listsAreReadWhenTheyAreDrawn();
     void colourFields_data();
     void colourFields();
     void greyFields_data();
@@ -47,6 +50,18 @@ private Q_SLOTS:
     void resultBufferGrowsByHalvesAndNeverShrinks();
     void everyThreadHasItsOwnResultBuffer();
 };
+
+// Stands first: no other test may have written an entry before.
+void TestDrawingText::entriesStartAtScaleOneWithoutOffset()
+{
+    QCOMPARE(Drawing::s_acVSO.size(), std::size_t{6});
+    for (const Drawing::ViewScaleOpt& entry : Drawing::s_acVSO) {
+        QCOMPARE(entry.m_fScaleX, 1.0F);
+        QCOMPARE(entry.m_fScaleY, 1.0F);
+        QCOMPARE(entry.m_nOffsetX, 0);
+        QCOMPARE(entry.m_nOffsetY, 0);
+    }
+}
 
 void TestDrawingText::identityIsThatOfTheDrawingStep()
 {
@@ -192,6 +207,51 @@ void TestDrawingText::withoutConfigTheDefaultsStay()
     QCOMPARE(grey->getScaleType() | grey->getAlignType() | grey->getDrawMode() | grey->getLapped() |
                  grey->getMaskVal() | grey->getMaskColor(),
              0);
+}
+
+void TestDrawingText::freshOptionsHaveTheirDefaults()
+{
+    unsigned char pixels[] = {1, 2, 3, 4};
+    const Drawing::DIBDrawingOpt colour(5, pixels, 1, 1);
+    QCOMPARE(colour.getScaleType(), 0);
+    QCOMPARE(colour.getAlignType(), 0);
+    QCOMPARE(colour.getDataID(), 5);
+    QCOMPARE(colour.getViewID(), 0);
+    const Drawing::Gray8DrawingOpt grey(5, pixels, 1, 1);
+    QCOMPARE((QVector<int>{grey.getScaleType(), grey.getAlignType(), grey.getDrawMode(), grey.getLapped(),
+                           grey.getMaskVal(), grey.getMaskColor()}),
+             QVector<int>(6, 0));
+    const Drawing::PointsDrawingOpt points(5);
+    QCOMPARE((QVector<int>{points.getSize(), points.getColor(), points.getViewID()}), (QVector<int>{0, 0, 0}));
+    const Drawing::LinesDrawingOpt lines(5);
+    QCOMPARE((QVector<int>{lines.getSize(), lines.getColor()}), (QVector<int>{1, 0}));
+    QVERIFY(!lines.getDisplayLength());
+    const Drawing::PolysDrawingOpt polys(5);
+    QCOMPARE((QVector<int>{polys.getBorderSize(), polys.getBorderColor()}), (QVector<int>{0, 0}));
+    QVERIFY(!polys.getDisplayArea());
+    const Drawing::AreasDrawingOpt areas(5);
+    QCOMPARE(areas.getColor(), 0);
+    QVERIFY(!areas.getDisplayArea());
+    const Drawing::StringsDrawingOpt strings(5);
+    int x = -1;
+    int y = -1;
+    strings.getPos(x, y);
+    QCOMPARE((QVector<int>{strings.getColor(), x, y, strings.getFontSize()}), (QVector<int>{0, 0, 0, 12}));
+}
+
+void TestDrawingText::listsAreReadWhenTheyAreDrawn()
+{
+    const Store store = makeStore();
+    const Option option =
+        parse("<DataType>3</DataType><DataID>1</DataID><Config><Color>-1</Color></Config>", store.get());
+    store->getParamPoints(1)->append({2, 3});
+    QImage canvas = filledCanvas(5, 5, 0xFF000000);
+
+    option->draw(&canvas, store.get());
+
+    QImage expected = filledCanvas(5, 5, 0xFF000000);
+    expected.setPixel(2, 3, 0xFFFFFFFF);
+    QCOMPARE(difference(canvas, expected), QString());
 }
 
 void TestDrawingText::colourFields_data()

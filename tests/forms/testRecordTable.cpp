@@ -2,7 +2,10 @@
 #include "forms/recordTable.h"
 #include "pictureSupport.h"
 
+#include <QHeaderView>
+#include <QHelpEvent>
 #include <QLineEdit>
+#include <QToolTip>
 
 using namespace DialogDriver;
 using namespace PictureSupport;
@@ -13,6 +16,15 @@ class TestRecordTable : public QObject
 
     Store m_cStore;
     std::unique_ptr<QTableWidget> m_pcTable;
+
+    /// What comes up while the mouse rests on a cell.
+    QString tipOver(int row, int column)
+    {
+        const QPoint place = m_pcTable->visualItemRect(m_pcTable->item(row, column)).center();
+        QHelpEvent help(QEvent::ToolTip, place, m_pcTable->viewport()->mapToGlobal(place));
+        QApplication::sendEvent(m_pcTable->viewport(), &help);
+        return QToolTip::text();
+    }
 
 private Q_SLOTS:
     void init()
@@ -70,6 +82,36 @@ private Q_SLOTS:
         QCOMPARE(table.selectedRow(), 1);
     }
 
+    void selectedRowIsBroughtIntoView()
+    {
+        for (int id = 1; id <= 50; ++id)
+            m_cStore->getParamDIB(id)->setName(QStringLiteral("name"));
+        RecordTable table(m_pcTable.get());
+        table.fill(m_cStore->requestParamDIBMap());
+        m_pcTable->show();
+        const auto isInView = [this](int row) {
+            return m_pcTable->viewport()->rect().contains(m_pcTable->visualItemRect(m_pcTable->item(row, 0)).center());
+        };
+        QVERIFY(!isInView(40));
+        table.selectRow(40);
+        QVERIFY(isInView(40));
+    }
+
+    void clickOnAHeaderSortsNothing()
+    {
+        m_cStore->getParamDIB(1)->setName(QStringLiteral("z"));
+        m_cStore->getParamDIB(2)->setName(QStringLiteral("a"));
+        RecordTable table(m_pcTable.get());
+        table.fill(m_cStore->requestParamDIBMap());
+        m_pcTable->show();
+        QHeaderView* header = m_pcTable->horizontalHeader();
+        for (int click = 0; click < 2; ++click) {
+            QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(5, header->height() / 2));
+            QCOMPARE(table.text(0, 0), QStringLiteral("z"));
+            QCOMPARE(table.text(1, 0), QStringLiteral("a"));
+        }
+    }
+
     void cellsCannotBeEdited()
     {
         m_cStore->getParamDIB(1)->setName(QStringLiteral("name"));
@@ -78,6 +120,19 @@ private Q_SLOTS:
         m_pcTable->show();
         doubleClickCell(m_pcTable.get(), 0);
         QVERIFY(!m_pcTable->findChild<QLineEdit*>());
+    }
+
+    void cellThatIsCutOffIsShownWholeInATip()
+    {
+        const QString wide = QStringLiteral("a description that is much wider than its column, ").repeated(5);
+        m_cStore->getParamDIB(1)->setName(QStringLiteral("short"));
+        m_cStore->getParamDIB(1)->setDescribe(wide);
+        RecordTable table(m_pcTable.get());
+        table.fill(m_cStore->requestParamDIBMap());
+        m_pcTable->show();
+        m_pcTable->setColumnWidth(1, 100);
+        QCOMPARE(tipOver(0, 0), QString());
+        QCOMPARE(tipOver(0, 1), wide);
     }
 
     void lastColumnFillsTheTable()

@@ -145,6 +145,7 @@ private Q_SLOTS:
         QTRY_VERIFY(box.came());
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("不支持的文件格式."));
+        QVERIFY(!box.isInformation());
         QCOMPARE(textOf(dialog, "edtFilePath"), QString());
 
         BoxAnswer second;
@@ -166,6 +167,7 @@ private Q_SLOTS:
         DlgLoadFile dialog(optionText(path, 0, 7), m_cStore.get(), nullptr);
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("仅支持8位和24位."));
+        QVERIFY(!box.isInformation());
         QCOMPARE(textOf(dialog, "edtFilePath"), QString());
     }
 

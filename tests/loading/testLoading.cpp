@@ -178,10 +178,18 @@ private Q_SLOTS:
 
     void recordGetsNameAndDescriptionAtEveryPass()
     {
-        m_cStore->getParamDIB(3)->setName(QStringLiteral("old"));
-        load(m_cFolder.save(numberedPicture(4, 4), "a.png"), 0);
-        QCOMPARE(m_cStore->getParamDIB(3)->getName(), QStringLiteral("src"));
-        QCOMPARE(m_cStore->getParamDIB(3)->getDescribe(), QStringLiteral("camera"));
+        m_cStore->getParamGray8(3)->setName(QStringLiteral("old"));
+        for (const char* name : {"plain.png", "leftToQt.ppm"}) {
+            const QString path = m_cFolder.save(numberedPicture(4, 4), name);
+            m_cStore->getParamDIB(3)->setName(QStringLiteral("old"));
+            m_cStore->getParamGray8(3)->setDescribe(QStringLiteral("old"));
+            load(path, 0);
+            load(path, 1);
+            QCOMPARE(m_cStore->getParamDIB(3)->getName(), QStringLiteral("src"));
+            QCOMPARE(m_cStore->getParamDIB(3)->getDescribe(), QStringLiteral("camera"));
+            QCOMPARE(m_cStore->getParamGray8(3)->getName(), QStringLiteral("src"));
+            QCOMPARE(m_cStore->getParamGray8(3)->getDescribe(), QStringLiteral("camera"));
+        }
     }
 
     void fileIsReadAnewAtEveryPass()

@@ -200,6 +200,7 @@ private Q_SLOTS:
         click(dialog, "btnOK");
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("错误的图像ID."));
+        QVERIFY(!box.isInformation());
         QVERIFY(dialog.isVisible());
         QCOMPARE(dialog.getConfigString(), QString(RecordText));
     }

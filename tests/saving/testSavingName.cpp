@@ -14,6 +14,7 @@ class TestSavingName : public QObject
 
     Store m_cStore;
     std::unique_ptr<Folder> m_pcFolder;
+    int m_nFirstNumber = -1;  ///< Of the program, before any test.
 
     /// Runs a step on a small picture; what is then in the folder.
     QStringList save(Option option)
@@ -26,6 +27,7 @@ class TestSavingName : public QObject
     }
 
 private Q_SLOTS:
+    void initTestCase() { m_nFirstNumber = gNumber; }
     void init()
     {
         m_cStore = makeStore();
@@ -41,6 +43,8 @@ private Q_SLOTS:
         QCOMPARE(Saving::getID(), "KW_Saving");
         QCOMPARE(Saving::s_ID, "KW_Saving");
     }
+
+    void runningNumberStartsAtZero() { QCOMPARE(m_nFirstNumber, 0); }
 
     void successivePassesCountUp()
     {
@@ -224,6 +228,15 @@ private Q_SLOTS:
         QCOMPARE(save(option), QStringList{"abc_0.bmp"});
     }
 
+    void anyPositiveIsStringIDMeansARecord()
+    {
+        m_cStore->getParamStrings(12)->append("part");
+        Option option;
+        option.string = QStringLiteral("12");
+        option.isStringID = 2;
+        QCOMPARE(save(option), QStringList{"part_0.bmp"});
+    }
+
     void negativeIsStringIDMeansText()
     {
         Option option;
@@ -241,6 +254,15 @@ private Q_SLOTS:
 
         option.folder = m_pcFolder->path("two/levels");
         QCOMPARE(save(option), QStringList{"out"});
+    }
+
+    void folderIsMadeEvenWhenNothingIsWritten()
+    {
+        Option option;
+        option.folder = m_pcFolder->path("made");
+        option.type = QStringLiteral("other");
+        QCOMPARE(save(option), QStringList{"made"});
+        QVERIFY(QDir(option.folder).isEmpty());
     }
 
     void folderMayEndWithASeparator()

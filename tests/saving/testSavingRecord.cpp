@@ -115,6 +115,7 @@ private Q_SLOTS:
         save();
         QCOMPARE(saved().pixel(0, 0), qRgb(0x30, 0x20, 0x10));
         QCOMPARE(bytesOf(*record).left(3), QByteArray("\x30\x20\x10"));
+        QCOMPARE(bytesOf(*record).mid(18, 3), QByteArray("\x30\x20\x10"));  // the last pixel of the second row
     }
 
     void recordIsExchangedEvenWhenTheFileCannotBeWritten()
@@ -142,6 +143,10 @@ private Q_SLOTS:
         save();
         const QImage picture = saved();
         QCOMPARE(picture.size(), QSize(width, 4));
+        QCOMPARE(picture.format(), QImage::Format_Indexed8);
+        QCOMPARE(picture.colorCount(), 256);
+        for (int i = 0; i < 256; ++i)
+            QCOMPARE(picture.color(i), qRgb(i, i, i));
         for (int i = 0; i < width * 4; ++i) {
             const int value = i * 3 + 1;
             QCOMPARE(picture.pixel(i % width, i / width), qRgb(value, value, value));
