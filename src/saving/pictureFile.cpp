@@ -30,7 +30,7 @@ QString partName(const QString& folder)
 class PartFile : public QFile
 {
 public:
-    explicit PartFile(const QString& folder) : QFile(partName(folder)) {}
+    explicit PartFile(const QString& folder) : m_strFolder(folder) {}
     ~PartFile() override
     {
         close();
@@ -40,9 +40,13 @@ public:
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
 
+    /// Passes over what an earlier program with the same process number left behind when it was killed.
     bool make()
     {
-        m_bMade = open(WriteOnly | NewOnly);
+        do {
+            setFileName(partName(m_strFolder));
+            m_bMade = open(WriteOnly | NewOnly);
+        } while (!m_bMade && exists());
         return m_bMade;
     }
 
@@ -68,6 +72,7 @@ protected:
     }
 
 private:
+    QString m_strFolder;
     bool m_bMade = false;
     bool m_bFailed = false;
     bool m_bNamed = false;

@@ -212,6 +212,20 @@ private Q_SLOTS:
         QCOMPARE(m_pcFolder->names(), QStringList{"cam.bmp"});
     }
 
+    void filesThatAKilledProgramLeftBehindAreNotInTheWay()
+    {
+        // After a restart a board gives the program the same process number, and it counts from 0 again.
+        constexpr int LeftBehind = 2000;
+        for (int i = 0; i < LeftBehind; ++i) {
+            QFile file(m_pcFolder->path(qPrintable(QStringLiteral(".lumivant-%1-%2.part").arg(::getpid()).arg(i))));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        greyRecord(3, 8, 4);
+        m_cOption.type = QStringLiteral("Gray");
+        save();
+        QCOMPARE(saved().size(), QSize(8, 4));
+    }
+
     void fullDiskLeavesNoFile_data()
     {
         QTest::addColumn<int>("format");
