@@ -33,11 +33,17 @@ int waitingOptions(int view)
     return record->m_nCount;
 }
 
-void waitUntilDrawn(int view)
+/// The option that was taken last does not wait any more, but may not be on the canvas yet.
+bool isDrawn(const ViewForm& form, int view)
+{
+    return waitingOptions(view) < 1 && !form.isDrawing();
+}
+
+void waitUntilDrawn(const ViewForm& form, int view)
 {
     constexpr int Attempts = 100;
     constexpr useconds_t PauseUs = 10000;
-    for (int attempt = 0; attempt < Attempts && waitingOptions(view) >= 1; ++attempt)
+    for (int attempt = 0; attempt < Attempts && !isDrawn(form, view); ++attempt)
         ::usleep(PauseUs);
 }
 
@@ -50,7 +56,7 @@ QImage SavingCanvas::copyOf(int view)
     ViewForm* form = ViewForm::s_apcViewForms[static_cast<std::size_t>(view)];
     if (!form)
         return {};
-    waitUntilDrawn(view);
+    waitUntilDrawn(*form, view);
     // Copied, not encoded, while the canvas is held: the window paints on while the file is written.
     const Canvas canvas(*form);
     return canvas.image() ? canvas.image()->copy() : QImage();

@@ -109,12 +109,14 @@ bool ViewForm::drawNextOption()
 {
     if (canvasSize().isEmpty())
         return false;
+    m_bDrawing.store(true);  // before the option leaves the queue: who finds that empty sees this
     const std::unique_ptr<Drawing::DrawingOpt> option = takeOldestOption(m_nIndex);
-    if (!option)
-        return false;
-    const MutexGuard guard(m_cMtxCanvas);
-    option->draw(m_pcCanvas.get(), option->getParamMgr());
-    return true;
+    if (option) {
+        const MutexGuard guard(m_cMtxCanvas);
+        option->draw(m_pcCanvas.get(), option->getParamMgr());
+    }
+    m_bDrawing.store(false);
+    return option != nullptr;
 }
 
 QSize ViewForm::canvasSize()

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <array>
+#include <atomic>
 #include <memory>
 
 class QPainter;
@@ -21,7 +22,8 @@ QT_END_NAMESPACE
 /**
  * One view pane: takes drawing options off its queue, one a paint, draws each onto its canvas and shows the canvas.
  *
- * Threads: a widget, so the window's thread only, but requestCanvas and releaseCanvas, which any thread may call.
+ * Threads: a widget, so the window's thread only, but requestCanvas, releaseCanvas and isDrawing, which
+ * any thread may call.
  */
 class ViewForm : public QWidget
 {
@@ -34,6 +36,9 @@ public:
     QImage* requestCanvas()
         ACQUIRE(m_cMtxCanvas);  ///< The canvas with its mutex held until releaseCanvas; not handed over.
     void releaseCanvas() RELEASE(m_cMtxCanvas);
+
+    /// Whether an option that has left the queue may not be on the canvas yet. Any thread.
+    bool isDrawing() const { return m_bDrawing.load(); }
 
     static constexpr int ViewNum = 4;
     static std::array<ViewForm*, ViewNum> s_apcViewForms;  ///< By index; null where absent; filled by the main window.
@@ -61,6 +66,7 @@ private:
     QMutex m_cMtxCanvas;  ///< Taken alone.
     std::unique_ptr<QImage> m_pcCanvas GUARDED_BY(m_cMtxCanvas) PT_GUARDED_BY(m_cMtxCanvas);
     std::unique_ptr<QTimer> m_pcTimer;
+    std::atomic<bool> m_bDrawing{false};
     int m_nStartX = 0;  ///< The dragged rectangle, widget pixels; shown when its end is not before its start.
     int m_nStartY = 0;
     int m_nEndX = -1;

@@ -1,5 +1,6 @@
 #include "drawing/drawing.h"
 #include "globalFunction.h"
+#include "saving/savingCanvas.h"
 #include "savingSupport.h"
 #include "view/viewForm.h"
 
@@ -57,6 +58,33 @@ class TestSavingCanvas : public QObject
         task.join();
     }
 
+    /**
+     * Keeps the pane from its queue, then lets it take the option and keeps it from its canvas; copies the canvas
+     * before the pane wakes up. Where the pane is late and does not get that far, the option waits in the queue.
+     */
+    QImage canvasTakenFromThePane()
+    {
+        std::atomic<bool> holdsQueue{false};
+        QImage picture;
+        std::thread task([&] {
+            {
+                const ViewRecord record(View);
+                holdsQueue = true;
+                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                m_pcView->requestCanvas();
+            }
+            for (int i = 0; i < 1000 && waiting() > 0; ++i)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            m_pcView->releaseCanvas();
+            picture = SavingCanvas::copyOf(View);
+        });
+        while (!holdsQueue)
+            std::this_thread::yield();
+        m_pcView->repaint();
+        task.join();
+        return picture;
+    }
+
 private Q_SLOTS:
     void init()
     {
@@ -88,6 +116,19 @@ private Q_SLOTS:
         QCOMPARE(waiting(), 0);
         QCOMPARE(saved().size(), QSize(60, 40));
         QCOMPARE(saved().pixel(30, 20), qRgb(0x20, 0x40, 0x60));
+    }
+
+    void optionBetweenTheQueueAndTheCanvasIsWaitedFor()
+    {
+        m_pcView->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_pcView.get()));
+        queueColour(*m_cStore, 0xFF010101);
+        QTRY_COMPARE(waiting(), 0);
+        m_pcView->repaint();
+        for (unsigned grey = 10; grey < 25; ++grey) {
+            queueColour(*m_cStore, qRgb(static_cast<int>(grey), 0, 0));
+            QCOMPARE(qRed(canvasTakenFromThePane().pixel(30, 20)), static_cast<int>(grey));
+        }
     }
 
     void waitForAPaneThatDoesNotDrawEndsAfterASecond()
