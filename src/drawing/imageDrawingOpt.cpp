@@ -52,8 +52,11 @@ void Drawing::ImageDrawingOpt::replaceCanvas(QImage& canvas, const QImage& pictu
     if (source && DirectDrawing::replace(canvas, picture, *source))
         return;
     clearCanvas(canvas);
-    if (source)
-        paintPart(canvas, picture, *source);
+    if (!source)
+        return;
+    // The painter rounds half pixels of an unscaled picture by its format: as for red, green, blue.
+    const bool isUnscaled = source->size() == QSizeF(canvas.size());
+    paintPart(canvas, isUnscaled ? picture.convertToFormat(QImage::Format_RGB888) : picture, *source);
 }
 
 Drawing::DIBDrawingOpt::DIBDrawingOpt(int dataId, unsigned char* pixels, int width, int height)

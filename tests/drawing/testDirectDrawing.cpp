@@ -191,10 +191,26 @@ struct Case
     }
 };
 
+/// Every pair of the smallest sizes, which are left to the painter.
+template <typename Check>
+void forTheSmallest(Check check)
+{
+    for (int canvas = 0; canvas < 9; ++canvas) {
+        for (int picture = 0; picture < 25; ++picture) {
+            for (int placement = 0; placement < 8; ++placement)
+                check(Case{{1 + canvas % 3, 1 + canvas / 3},
+                           {1 + picture % 5, 1 + picture / 5},
+                           placement / 2,
+                           placement % 2});
+        }
+    }
+}
+
 /// Every pair of some sizes in every placement, then sizes at random.
 template <typename Check>
 void forManyCases(Check check)
 {
+    forTheSmallest(check);
     const QSize sizes[] = {{1, 1}, {1, 9}, {2, 2}, {7, 1}, {17, 5}, {18, 5}, {19, 5}, {32, 24}, {33, 25}, {64, 48}};
     for (const QSize canvas : sizes) {
         for (const QSize picture : sizes) {
