@@ -21,6 +21,13 @@ cv::Mat viewOf(const ParamGray8& record)
     return cv::Mat(record.getHeight(), record.getWidth(), CV_8UC1, record.getGray8());
 }
 
+cv::Mat viewOf(const ParamGray16& record)
+{
+    if (!record.getGray16())
+        return cv::Mat();
+    return cv::Mat(record.getHeight(), record.getWidth(), CV_16UC1, record.getGray16());
+}
+
 InputView failure(const QString& error)
 {
     return {cv::Mat(), error};
@@ -62,6 +69,12 @@ cv::Mat viewOutput(ParamDIB& record, cv::Size size)
 }
 
 cv::Mat viewOutput(ParamGray8& record, cv::Size size)
+{
+    record.resize(size.width, size.height);
+    return viewOf(record);
+}
+
+cv::Mat viewOutput(ParamGray16& record, cv::Size size)
 {
     record.resize(size.width, size.height);
     return viewOf(record);

@@ -6,7 +6,8 @@
 
 /**
  * Pictures of a store as OpenCV matrices over the same memory: nothing is copied, the record owns the pixels.
- * Colour pictures are CV_8UC3 in the order blue, green, red with their padded rows; grey ones CV_8UC1.
+ * Colour pictures are CV_8UC3 in the order blue, green, red with their padded rows; grey ones CV_8UC1
+ * or, as outputs only, CV_16UC1.
  */
 struct InputView
 {
@@ -25,3 +26,4 @@ InputView viewInput(const ArithmParamMgr& store, const PictureRef& input);
  */
 cv::Mat viewOutput(ParamDIB& record, cv::Size size);
 cv::Mat viewOutput(ParamGray8& record, cv::Size size);
+cv::Mat viewOutput(ParamGray16& record, cv::Size size);

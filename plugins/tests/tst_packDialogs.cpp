@@ -40,6 +40,7 @@ private slots:
     void parametersReachTheOptionText();
     void unusedParametersAreDisabled();
     void blurChangesTheKindOfItsOutput();
+    void sixteenBitGrayStepMakesASixteenBitRecord();
     void enterAcceptsAndEscapeCancels();
     void tabGoesFromTheTableThroughTheSettingsToTheButtons();
 
@@ -111,6 +112,7 @@ QStringList outputDescriptions(ArithmParamMgr* store)
     QMap<int, QString> descriptions;
     addDescriptions(store->requestParamDIBMap(), descriptions);
     addDescriptions(store->requestParamGray8Map(), descriptions);
+    addDescriptions(store->requestParamGray16Map(), descriptions);
     addDescriptions(store->requestParamPointsMap(), descriptions);
     addDescriptions(store->requestParamLinesMap(), descriptions);
     addDescriptions(store->requestParamPolysMap(), descriptions);
@@ -122,9 +124,9 @@ QStringList outputDescriptions(ArithmParamMgr* store)
 int recordCount(ArithmParamMgr* store)
 {
     return store->requestParamDIBMap()->size() + store->requestParamGray8Map()->size() +
-           store->requestParamPointsMap()->size() + store->requestParamLinesMap()->size() +
-           store->requestParamPolysMap()->size() + store->requestParamAreasMap()->size() +
-           store->requestParamStringsMap()->size();
+           store->requestParamGray16Map()->size() + store->requestParamPointsMap()->size() +
+           store->requestParamLinesMap()->size() + store->requestParamPolysMap()->size() +
+           store->requestParamAreasMap()->size() + store->requestParamStringsMap()->size();
 }
 
 }  // namespace
@@ -133,7 +135,7 @@ void TestPackDialogs::newStepMakesItsOutputs_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("outputs");
-    for (const char* name : {"toGray", "blur", "threshold", "findContours", "findLines", "findCorners"})
+    for (const char* name : {"toGray", "toGray16", "blur", "threshold", "findContours", "findLines", "findCorners"})
         QTest::newRow(name) << name << 1;
     QTest::newRow("findAreas") << "findAreas" << 2;
 }
@@ -144,8 +146,9 @@ void TestPackDialogs::newStepMakesItsOutputs()
     QFETCH(int, outputs);
     const StorePtr store = filledStore();
     const QString option = AlgorithmLibrary(name).configure(QString(), store.get(), acceptDialog);
-    QVERIFY(option.contains(name == "toGray" || name == "blur" ? "<InputType>RGB</InputType><InputID>1</InputID>"
-                                                               : "<InputType>Gray8</InputType><InputID>2</InputID>"));
+    const bool colour = name == "toGray" || name == "toGray16" || name == "blur";
+    QVERIFY(option.contains(colour ? "<InputType>RGB</InputType><InputID>1</InputID>"
+                                   : "<InputType>Gray8</InputType><InputID>2</InputID>"));
     QCOMPARE(recordCount(store.get()), 3 + outputs);
     QVERIFY(option.contains("ID>4</"));
     QCOMPARE(option.contains("ID>5</"), outputs == 2);
@@ -220,6 +223,7 @@ void TestPackDialogs::outputsAreDescribedAgainAfterTheStoreWasEmptied_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QStringList>("described");
     QTest::newRow("toGray") << "toGray" << QStringList{"彩色转灰度的结果"};
+    QTest::newRow("toGray16") << "toGray16" << QStringList{"彩色转16位灰度的结果"};
     QTest::newRow("blur") << "blur" << QStringList{"模糊的结果"};
     QTest::newRow("threshold") << "threshold" << QStringList{"二值化的结果"};
     QTest::newRow("findContours") << "findContours" << QStringList{"查找轮廓的结果"};
@@ -347,6 +351,22 @@ void TestPackDialogs::blurChangesTheKindOfItsOutput()
     QVERIFY(gray.contains("<InputType>Gray8</InputType><InputID>2</InputID><OutputID>4</OutputID>"));
     QVERIFY(!store->findParamDIB(4));
     QVERIFY(store->findParamGray8(4));
+}
+
+void TestPackDialogs::sixteenBitGrayStepMakesASixteenBitRecord()
+{
+    const StorePtr store = filledStore();
+    QString title;
+    const QString option = AlgorithmLibrary("toGray16").configure(QString(), store.get(), [&](QDialog& dialog) {
+        title = dialog.windowTitle();
+        QCOMPARE(widgetOf<QTableWidget>(dialog, "tblInputs")->rowCount(), 1);  // the colour picture
+        acceptDialog(dialog);
+    });
+    QCOMPARE(title, QStringLiteral("彩色转16位灰度"));
+    QCOMPARE(option, QStringLiteral("<InputType>RGB</InputType><InputID>1</InputID><OutputID>4</OutputID>"
+                                    "<OutputName>16位灰度图</OutputName>"));
+    QVERIFY(store->findParamGray16(4));
+    QCOMPARE(store->findParamGray16(4)->getName(), QStringLiteral("16位灰度图"));
 }
 
 void TestPackDialogs::enterAcceptsAndEscapeCancels()

@@ -28,6 +28,7 @@ private slots:
     void inputMayBeTheOutput();
 
     void grayHasTheWeightsOfTheEye();
+    void sixteenBitGrayIsTheEightBitGrayTimes257();
     void boxBlurAveragesItsWindow();
     void blurKeepsTheKindOfItsInput();
     void medianBlurRemovesASinglePixel();
@@ -76,7 +77,25 @@ int at(const ParamGray8* picture, int x, int y)
 
 QStringList allNames()
 {
-    return {"toGray", "blur", "threshold", "findAreas", "findContours", "findLines", "findCorners"};
+    return {"toGray", "toGray16", "blur", "threshold", "findAreas", "findContours", "findLines", "findCorners"};
+}
+
+bool takesColourOnly(const QString& name)
+{
+    return name == QLatin1String("toGray") || name == QLatin1String("toGray16");
+}
+
+/// A black picture, record 1, of rows of 16 bytes; the second row is blue, green, red, white, black.
+void addColours(ArithmParamMgr* store)
+{
+    ParamDIB* colour = store->getParamDIB(1);
+    colour->resize(5, 2);
+    std::fill_n(colour->getDIB(), 32, static_cast<unsigned char>(0));
+    unsigned char* second = colour->getDIB() + 16;
+    second[0] = 255;
+    second[3 + 1] = 255;
+    second[6 + 2] = 255;
+    std::fill_n(second + 9, 3, static_cast<unsigned char>(255));
 }
 
 QString areasOption(const QString& more)
@@ -99,6 +118,10 @@ void TestPackSteps::everyAlgorithmNamesItself_data()
                             << "LV_ToGray"
                             << "图像处理"
                             << "彩色转灰度";
+    QTest::newRow("toGray16") << "toGray16"
+                              << "LV_ToGray16"
+                              << "图像处理"
+                              << "彩色转16位灰度";
     QTest::newRow("blur") << "blur"
                           << "LV_Blur"
                           << "图像处理"
@@ -140,7 +163,7 @@ void TestPackSteps::wrongInputIsExplained_data()
     QTest::addColumn<QString>("option");
     QTest::addColumn<QString>("expected");
     for (const QString& name : allNames()) {
-        const bool colour = name == QLatin1String("toGray");
+        const bool colour = takesColourOnly(name);
         const QString type = colour ? "RGB" : "Gray8";
         const auto row = [&](const char* what, int id, const QString& expected) {
             QTest::addRow("%s, %s", qPrintable(name), what)
@@ -178,7 +201,7 @@ void TestPackSteps::stepWithoutOutputsSaysSo()
     const StorePtr store = newStore();
     addGray(store.get(), 8, 8);
     store->getParamDIB(1)->resize(8, 8);
-    const QString option = name == QLatin1String("toGray") ? Colour : Gray;
+    const QString option = takesColourOnly(name) ? Colour : Gray;
     QCOMPARE(AlgorithmLibrary(name).execute(option, store.get()), QStringLiteral("步骤没有设置输出."));
 }
 
@@ -230,7 +253,7 @@ void TestPackSteps::tinyPicturesAndAnyNumbersAreTaken()
             store->getParamDIB(1)->resize(size.width(), size.height());
             std::fill_n(store->getParamDIB(1)->getDIB(), (size.width() * 3 + 3) / 4 * 4 * size.height(),
                         static_cast<unsigned char>(200));
-            QString option = name == QLatin1String("toGray") ? Colour : Gray;
+            QString option = takesColourOnly(name) ? Colour : Gray;
             for (const char* output : {"Output", "Areas", "Count", "Polys", "Lines", "Points"})
                 option += QStringLiteral("<%1ID>2</%1ID>").arg(QLatin1String(output));
             option += QStringLiteral("<Method>%1</Method>").arg(method);
@@ -276,14 +299,7 @@ void TestPackSteps::inputMayBeTheOutput()
 void TestPackSteps::grayHasTheWeightsOfTheEye()
 {
     const StorePtr store = newStore();
-    ParamDIB* colour = store->getParamDIB(1);
-    colour->resize(5, 2);  // rows of 16 bytes
-    std::fill_n(colour->getDIB(), 32, static_cast<unsigned char>(0));
-    unsigned char* second = colour->getDIB() + 16;
-    second[0] = 255;      // blue
-    second[3 + 1] = 255;  // green
-    second[6 + 2] = 255;  // red
-    std::fill_n(second + 9, 3, static_cast<unsigned char>(255));
+    addColours(store.get());
     QCOMPARE(AlgorithmLibrary("toGray").execute(Colour + Output, store.get()), QString());
     const ParamGray8* gray = store->findParamGray8(2);
     QCOMPARE(QSize(gray->getWidth(), gray->getHeight()), QSize(5, 2));
@@ -292,6 +308,19 @@ void TestPackSteps::grayHasTheWeightsOfTheEye()
         QCOMPARE(at(gray, x, 0), 0);
         QCOMPARE(at(gray, x, 1), expected[x]);
     }
+}
+
+void TestPackSteps::sixteenBitGrayIsTheEightBitGrayTimes257()
+{
+    const StorePtr store = newStore();
+    addColours(store.get());
+    QCOMPARE(AlgorithmLibrary("toGray16").execute(Colour + Output, store.get()), QString());
+    const ParamGray16* gray = store->findParamGray16(2);
+    QVERIFY(gray);
+    QCOMPARE(QSize(gray->getWidth(), gray->getHeight()), QSize(5, 2));
+    const QVector<int> expected{0, 0, 0, 0, 0, 7453, 38550, 19532, 65535, 0};
+    QCOMPARE(QVector<int>(gray->getGray16(), gray->getGray16() + 10), expected);
+    QVERIFY(!store->findParamGray8(2));
 }
 
 void TestPackSteps::boxBlurAveragesItsWindow()

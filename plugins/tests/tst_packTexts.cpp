@@ -10,6 +10,7 @@
 #include "taggedText.h"
 #include "testPatternOption.h"
 #include "thresholdOption.h"
+#include "toGray16Option.h"
 #include "toGrayOption.h"
 
 #include "packLibraries.h"
@@ -93,6 +94,7 @@ void TestPackTexts::optionReadsBackAsWritten_data()
     const QString gray = QStringLiteral("<InputType>Gray8</InputType><InputID>7</InputID>");
     const QString colour = QStringLiteral("<InputType>RGB</InputType><InputID>7</InputID>");
     QTest::newRow("toGray") << RoundTrip(&roundTrip<ToGrayOption>) << colour + output;
+    QTest::newRow("toGray16") << RoundTrip(&roundTrip<ToGray16Option>) << colour + output;
     QTest::newRow("blur") << RoundTrip(&roundTrip<BlurOption>) << colour + output + "<Method>2</Method><Size>9</Size>";
     QTest::newRow("threshold") << RoundTrip(&roundTrip<ThresholdOption>)
                                << gray + output +
