@@ -1,73 +1,17 @@
 #include "configDialog.h"
-#include "dataSource/dlgDataSource.h"
 #include "dialogDriver.h"
-#include "drawing/dlgDrawingConfig.h"
-#include "memoryDisk/dlgMemoryDiskConfig.h"
-#include "memoryDisk/dlgMemoryDiskStatus.h"
-#include "paramStore/arithmParamMgr.h"
+#include "dialogLooks.h"
 
 #include <QColorDialog>
-#include <QGroupBox>
 #include <QHeaderView>
-#include <QLabel>
-#include <QProgressBar>
 #include <QScopeGuard>
 #include <QScreen>
 
 using namespace DialogDriver;
-
-namespace {
-
-const QMap<QString, DataSource::DataSourceInfo*> Kinds{{QStringLiteral("Memory Disk 0"), nullptr},
-                                                       {QStringLiteral("工业相机"), nullptr}};
-
-std::unique_ptr<QDialog> make(const QString& name, ArithmParamMgr* store)
-{
-    if (name == QLatin1String("memoryDiskConfig"))
-        return std::make_unique<DlgMemoryDiskConfig>(QString(), store, nullptr);
-    if (name == QLatin1String("memoryDiskStatus"))
-        return std::make_unique<DlgMemoryDiskStatus>();
-    if (name == QLatin1String("dataSource"))
-        return std::make_unique<DlgDataSource>(&Kinds, store, QString(), nullptr);
-    return std::make_unique<DlgDrawingConfig>(QString(), store, nullptr);
-}
-
-/// The pages of a dialog, or just the one.
-int pageNum(QDialog& dialog)
-{
-    const auto* tabs = dialog.findChild<QTabWidget*>();
-    return tabs ? tabs->count() : 1;
-}
-
-void openPage(QDialog& dialog, int page)
-{
-    if (auto* tabs = dialog.findChild<QTabWidget*>())
-        tabs->setCurrentIndex(page);
-    QCoreApplication::processEvents();
-}
-
-bool showsText(const QWidget* widget)
-{
-    return qobject_cast<const QLabel*>(widget) || qobject_cast<const QAbstractButton*>(widget) ||
-           qobject_cast<const QComboBox*>(widget) || qobject_cast<const QGroupBox*>(widget) ||
-           qobject_cast<const QProgressBar*>(widget);
-}
-
-/// The names of widgets that are smaller than their text needs.
-QStringList clipped(const QDialog& dialog)
-{
-    QStringList names;
-    for (const QWidget* widget : dialog.findChildren<QWidget*>()) {
-        if (!widget->isVisible() || !showsText(widget))
-            continue;
-        const QSize needed = widget->minimumSizeHint();
-        if (widget->width() < needed.width() || widget->height() < needed.height())
-            names += widget->objectName();
-    }
-    return names;
-}
-
-}  // namespace
+using DialogLooks::clipped;
+using DialogLooks::make;
+using DialogLooks::openPage;
+using DialogLooks::pageNum;
 
 class DialogLooksTest : public QObject
 {
@@ -77,15 +21,7 @@ private Q_SLOTS:
     void initTestCase()
     {
         m_pcStore = ArithmParamMgr::newInstance();
-        fill(m_pcStore->getParamDIB(1), "相机图片", "第一台相机的彩色图片");
-        fill(m_pcStore->getParamDIB(2), "结果", "处理以后");
-        fill(m_pcStore->getParamGray8(3), "灰度", "阈值以后");
-        fill(m_pcStore->getParamGray16(4), "深度", "十六位");
-        fill(m_pcStore->getParamPoints(5), "角点", "找到的角点");
-        fill(m_pcStore->getParamLines(6), "边", "找到的边");
-        fill(m_pcStore->getParamPolys(7), "轮廓", "零件的轮廓");
-        fill(m_pcStore->getParamAreas(8), "零件", "找到的零件");
-        fill(m_pcStore->getParamStrings(9), "文字", "读到的文字");
+        DialogLooks::fillStore(m_pcStore);
     }
     void cleanupTestCase() { ArithmParamMgr::deleteInstance(m_pcStore); }
 
@@ -93,9 +29,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<int>("percent");
-        for (const char* name : {"memoryDiskConfig", "memoryDiskStatus", "dataSource", "drawing"}) {
-            QTest::newRow(name) << name << 100;
-            QTest::newRow(QByteArray(name) + " in large letters") << name << 150;
+        for (const QString& name : DialogLooks::Names) {
+            QTest::newRow(qPrintable(name)) << name << 100;
+            QTest::newRow(name.toLatin1() + " in large letters") << name << 150;
         }
     }
     void nothingIsClippedAtItsSmallestSizeWhichFitsASmallScreen()
@@ -333,12 +269,6 @@ private:
         QTest::addColumn<int>("unused");
         for (const char* name : {"memoryDiskConfig", "memoryDiskStatus", "dataSource", "drawing"})
             QTest::newRow(name) << 0;
-    }
-
-    static void fill(ArithmParam* record, const char* name, const char* describe)
-    {
-        record->setName(QString::fromUtf8(name));
-        record->setDescribe(QString::fromUtf8(describe));
     }
 
     /// Walks with the Tab key from the first field until it comes round.
