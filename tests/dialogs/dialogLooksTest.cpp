@@ -224,6 +224,20 @@ private Q_SLOTS:
         QCOMPARE(name->y() - chosen->y(), describe->y() - name->y());
     }
 
+    void fieldsOfTheSavedRecordEndWhereTheOtherFieldsEnd()
+    {
+        const std::unique_ptr<QDialog> dialog = make(QStringLiteral("saveFile"), m_pcStore);
+        dialog->show();
+        const auto* origin = child<QComboBox>(*dialog, "cmbWnd");
+        const int before = origin->width();
+        pick(*dialog, "cmbWnd", 4);
+        QCoreApplication::processEvents();
+        const auto* id = child<QLineEdit>(*dialog, "edtSelectedPicID");
+        QCOMPARE(id->geometry().right(), child<QPushButton>(*dialog, "btnBrowser")->geometry().right());
+        QVERIFY(qAbs(id->width() - child<QLineEdit>(*dialog, "edtPicType")->width()) <= 1);
+        QCOMPARE(origin->width(), before);
+    }
+
     void groupsOfTheStatusWindowEndBelowTheirButtons()
     {
         const std::unique_ptr<QDialog> dialog = make(QStringLiteral("memoryDiskStatus"), m_pcStore);
