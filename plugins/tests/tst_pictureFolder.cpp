@@ -46,6 +46,7 @@ private slots:
     void unreadableFilesAreReportedAndSkipped();
     void folderOfUnreadableFilesNeverBurnsTheProcessor();
     void hugeHeaderIsRefusedBeforeDecoding();
+    void otherFormatsUnderAListedEndingAreRefused();
     void relativeFolderFollowsTheWorkingDirectory();
     void configurationWithLineFeedsIsAccepted();
     void newFolderWhilePlayingIsPlayed();
@@ -462,6 +463,20 @@ void TestPictureFolder::hugeHeaderIsRefusedBeforeDecoding()
         QCOMPARE(nextReds(source, 2), (QVector<int>{2, 2}));
         QCOMPARE(source.lastError(), error);
     }
+}
+
+void TestPictureFolder::otherFormatsUnderAListedEndingAreRefused()
+{
+    write("2.png", QColor(2, 0, 0));
+    QFile file(m_pcDir->filePath("1.png"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    // A GIF of one pixel on a canvas of 9000x9000: Qt tells the one and decodes the other.
+    file.write(QByteArray::fromHex("47494638396128232823800100000000ffffff2c00000000010001000002024401003b"));
+    file.close();
+    SourceInstance source(m_cLibrary, config());
+    source.start();
+    QCOMPARE(nextReds(source, 2), (QVector<int>{2, 2}));
+    QCOMPARE(source.lastError(), QStringLiteral("无法读取图片: 1.png"));
 }
 
 void TestPictureFolder::relativeFolderFollowsTheWorkingDirectory()

@@ -47,10 +47,33 @@ bool jpegHasItsEnd(QFile& file)
     return all.indexOf(end, std::max(0, all.lastIndexOf(QByteArrayLiteral("\xFF\xDA")))) >= 0;
 }
 
-/// Whether nothing of the file is missing, for the formats of which Qt decodes torsos without a word.
-bool isWhole(const QString& path, QSize size)
+/// The size of the canvas that a GIF is decoded onto: Qt tells the size of the first frame on it.
+QSize gifCanvas(QFile& file)
 {
-    QFile file(path);
+    const QByteArray header = file.peek(10);
+    const auto number = [&](int offset) { return qFromLittleEndian<quint16>(header.constData() + offset); };
+    return header.size() < 10 ? QSize() : QSize(number(6), number(8));
+}
+
+/// The size of the first picture in an icon file: Qt tells what the list at its start says, and decodes what follows.
+QSize firstIcon(QFile& file)
+{
+    const QByteArray list = file.read(22);
+    if (list.size() < 22 || !file.seek(qFromLittleEndian<quint32>(list.constData() + 18)))
+        return {};
+    const QByteArray header = file.read(24);
+    if (header.size() < 24)
+        return {};
+    if (header.startsWith("\x89PNG"))
+        return {qFromBigEndian<qint32>(header.constData() + 16), qFromBigEndian<qint32>(header.constData() + 20)};
+    return {qFromLittleEndian<qint32>(header.constData() + 4), qFromLittleEndian<qint32>(header.constData() + 8)};
+}
+
+/// Whether nothing of the file is missing, for the formats of which Qt decodes torsos without a word, and it is as
+/// small as Qt says, for those of which it tells another size than it decodes.
+bool isAsItSays(const QImageReader& reader, QSize size)
+{
+    QFile file(reader.fileName());
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray magic = file.peek(2);
@@ -58,6 +81,11 @@ bool isWhole(const QString& path, QSize size)
         return bitmapHasAllRows(file, size);
     if (magic == "\xFF\xD8")
         return jpegHasItsEnd(file);
+    const QByteArray format = reader.format();
+    if (format == "gif")
+        return isReasonable(gifCanvas(file));
+    if (format.isEmpty() && magic == QByteArray(2, '\0'))  // the decoder of icons does not tell its name
+        return isReasonable(firstIcon(file));
     return true;
 }
 
@@ -71,7 +99,7 @@ QImage PictureReader::read(const QString& path)
         return {};
     QImageReader reader(path);
     const QSize size = reader.size();
-    if (!isReasonable(size) || !isWhole(reader.fileName(), size))
+    if (!isReasonable(size) || !isAsItSays(reader, size))
         return {};
     return reader.read();
 }

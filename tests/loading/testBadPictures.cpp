@@ -43,6 +43,29 @@ QByteArray hugeBlackAndWhitePng(int width, int height)
     return encoded(picture, "png");
 }
 
+/// A GIF of one black pixel on a canvas of any size.
+QByteArray gif(quint16 width, quint16 height)
+{
+    QByteArray bytes = QByteArray::fromHex(
+        "474946383961"
+        "01000100800100"
+        "000000ffffff"
+        "2c00000000010001000002024401003b");
+    qToLittleEndian<quint16>(width, bytes.data() + 6);
+    qToLittleEndian<quint16>(height, bytes.data() + 8);
+    return bytes;
+}
+
+/// An icon file that lists a picture of 16x16 pixels.
+QByteArray icon(const QByteArray& picture)
+{
+    QByteArray list = QByteArray::fromHex(
+        "000001000100"
+        "10100000010020000000000016000000");
+    qToLittleEndian<quint32>(static_cast<quint32>(picture.size()), list.data() + 14);
+    return list + picture;
+}
+
 QByteArray changed(QByteArray bytes, int position, char value)
 {
     bytes[position] = value;
@@ -91,6 +114,11 @@ private Q_SLOTS:
         QTest::newRow("bmp of negative width") << bitmap(-5, 5, 24, 0, 300) << "a.bmp";
         QTest::newRow("bmp of the smallest height")
             << bitmap(5, std::numeric_limits<qint32>::min(), 24, 0, 300) << "a.bmp";
+        QTest::newRow("small gif on a huge canvas") << gif(9000, 9000) << "a.gif";
+        QTest::newRow("small gif on a huge canvas, called png") << gif(9000, 9000) << "a.png";
+        QTest::newRow("gif, half a header") << gif(5, 5).left(9) << "a.gif";
+        QTest::newRow("small icon that is a huge png") << icon(hugeBlackAndWhitePng(8193, 8192)) << "a.ico";
+        QTest::newRow("icon without a picture") << icon({}) << "a.ico";
         QTest::newRow("png that is huge") << hugeBlackAndWhitePng(8193, 8192) << "a.png";
     }
 
@@ -115,6 +143,15 @@ private Q_SLOTS:
         QCOMPARE(bytesOf(*store->findParamDIB(3)), QByteArray(8, 0x5A));
         QCOMPARE(store->findParamDIB(3)->getName(), QStringLiteral("kept"));
         QVERIFY(!store->findParamGray8(3));
+    }
+
+    void picturesOnReasonableCanvasesAreRead()
+    {
+        const Folder folder;
+        QCOMPARE(PictureReader::read(folder.write(gif(30, 20), "a.gif")).size(), QSize(30, 20));
+        const QImage picture = numberedPicture(40, 30);
+        QCOMPARE(PictureReader::read(folder.save(picture, "b.ico")).size(), QSize(40, 30));
+        QCOMPARE(PictureReader::read(folder.write(icon(encoded(picture, "png")), "c.ico")).size(), QSize(40, 30));
     }
 
     void pathThatIsNoRegularFileIsRefusedAtOnce()

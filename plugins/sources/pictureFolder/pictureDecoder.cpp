@@ -55,6 +55,13 @@ bool isCutBitmap(QFile& file)
     return isPlain && rows > 0 && (file.size() - quint32(number(10))) / rows < stride;
 }
 
+/// Whether Qt decodes the file as one of the formats that are listed, whose size is what Qt tells before it decodes. Of
+/// others, such as a GIF that is called .png, it is not: a small file could take all memory.
+bool isListedFormat(const QByteArray& format)
+{
+    return format == "png" || format == "bmp" || format == "jpeg" || format == "tiff";
+}
+
 void copyGrayRow(const QImage& image, int y, unsigned char* target)
 {
     const uchar* source = image.constScanLine(y);
@@ -120,7 +127,7 @@ QString PictureDecoder::decode(const QString& path, Frame& frame, const std::ato
     const bool cut = isCutBitmap(file);
     QImageReader reader(&file);
     const QSize size = reader.size();
-    if (size.width() < 1 || size.height() < 1)
+    if (size.width() < 1 || size.height() < 1 || !isListedFormat(reader.format()))
         return FolderMessages::unreadable(name);
     if (qint64(size.width()) * size.height() > MostPixels)
         return FolderMessages::tooLarge(name);
