@@ -1,15 +1,16 @@
 #include "mainwindow.h"
 #include "qtTexts.h"
+#include "startUp.h"
 
 #include <QApplication>
 
 int main(int argc, char* argv[])
 {
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    StartUp::preparePixels();
     QApplication application(argc, argv);
     QtTexts::makeChinese();
     MainWindow window;
     window.show();
+    StartUp::openNamedProject(window, QApplication::arguments());
     return QApplication::exec();
 }

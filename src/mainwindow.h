@@ -43,6 +43,9 @@ public:
      */
     static void HavePrintMessage(QString message);
 
+    /// Replaces the tasks by those of a project file; a file that cannot be read is told in a box and changes nothing.
+    void openProject(const QString& path);
+
 public Q_SLOTS:
     // ---- Project commands (mainwindowProject.cpp) -------------------------------------------------------------------
     void on_newOption_triggered();
@@ -68,7 +71,6 @@ private:
     void addViews();
     bool confirmed(const QString& question);
 
-    void openProject(const QString& path);
     void saveProject(const QString& target);
     void saveUnderChosenName();
     void setProjectPath(const QString& path);

@@ -58,6 +58,12 @@ public:
         return ::read(m_nOutput, &sign, 1) == 1;
     }
 
+    void send(int signal) const
+    {
+        if (m_nId > 1)
+            ::kill(m_nId, signal);
+    }
+
     /// Ends the child in the middle of whatever it does.
     void kill()
     {

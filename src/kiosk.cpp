@@ -1,0 +1,19 @@
+// The workbench of a machine that does nothing else: fills the screen, opens its project and runs all tasks.
+#include "mainwindow.h"
+#include "qtTexts.h"
+#include "startUp.h"
+
+#include <QApplication>
+
+int main(int argc, char* argv[])
+{
+    StartUp::preparePixels();
+    QApplication application(argc, argv);
+    QtTexts::makeChinese();
+    MainWindow window;
+    StartUp::showOverScreen(window);
+    StartUp::quitOnEndSignals();
+    StartUp::openNamedProject(window, QApplication::arguments());
+    window.on_btnStartAll_clicked();
+    return QApplication::exec();
+}
