@@ -26,10 +26,5 @@ QString Arithm::showConfigWindow(QString option, ArithmParamMgr* store) const
 QString Arithm::execute(QString& option, ArithmParamMgr* store) const
 {
     QByteArray utf8 = option.toUtf8();
-    return executeUtf8(utf8.data(), store);
-}
-
-QString Arithm::executeUtf8(char* option, ArithmParamMgr* store) const
-{
-    return m_pfnExecute ? QString::fromUtf8(m_pfnExecute(option, store)) : QString();
+    return QString::fromUtf8(executeUtf8(utf8.data(), store));
 }

@@ -32,8 +32,12 @@ public:
      * Runs the algorithm once on an option text that is UTF-8 already: what a pass calls.
      *
      * @param option writable and zero-terminated; the algorithm may scribble on it
+     * @return the result text, the library's own until its next call; null counts as empty
      */
-    QString executeUtf8(char* option, ArithmParamMgr* store) const;
+    const char* executeUtf8(char* option, ArithmParamMgr* store) const
+    {
+        return m_pfnExecute ? m_pfnExecute(option, store) : nullptr;
+    }
 
 private:
     GetID m_pfnGetID;

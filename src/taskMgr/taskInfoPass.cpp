@@ -63,12 +63,6 @@ void countExecution(TaskItem& item)
         ++item.m_nExeTimes;
 }
 
-/// Whether two texts still share their data, and so are equal; much cheaper than comparing them.
-bool shareData(const QString& a, const QString& b)
-{
-    return a.constData() == b.constData() && a.size() == b.size();
-}
-
 /// The index that makes the step n places on the next one to run, far within what 64 bits hold.
 qint64 skippedTo(qint64 index, int n)
 {
@@ -123,29 +117,35 @@ bool TaskInfo::runStep(qint64& index, QString& message, bool showTime)
         return false;
     }
     const Stopwatch stepTime(showTime);
-    QString result = executeStep(item);
+    const char* text = executeStep(item);
     const qint64 ms = stepTime.elapsedMs();
-    if (result.length() >= ResultCommand::MinResultLength) {
-        message.clear();
-        if (!obeyCommands(result, index))
-            return false;
-    }
-    if (!result.isEmpty()) {
-        message = TaskMessages::stepError(item.m_strArithmName, result);
-        qWarning().noquote() << message;
+    if (text && *text != '\0' && !obeyResult(QString::fromUtf8(text), item, index, message))
         return false;
-    }
     if (showTime)
         showStepTime(index, ms);
     countExecution(item);
     return true;
 }
 
+bool TaskInfo::obeyResult(QString result, const TaskItem& item, qint64& index, QString& message)
+{
+    if (result.length() >= ResultCommand::MinResultLength) {
+        message.clear();
+        if (!obeyCommands(result, index))
+            return false;
+    }
+    if (result.isEmpty())
+        return true;
+    message = TaskMessages::stepError(item.m_strArithmName, result);
+    qWarning().noquote() << message;
+    return false;
+}
+
 // A miss is not kept: it is looked up again at the next pass.
 bool TaskInfo::prepareStep(TaskItem& item)
 {
     TaskItem::Prepared& prepared = item.m_cPrepared;
-    if (!prepared.m_pcArithm || !shareData(prepared.m_strArithmID, item.m_strArithmID)) {
+    if (!prepared.m_pcArithm || !prepared.m_strArithmID.isSharedWith(item.m_strArithmID)) {
         prepared.m_pcArithm = ArithmMgr::getInstance()->getArithm(item.m_strArithmID);
         if (!prepared.m_pcArithm)
             return false;
@@ -153,7 +153,7 @@ bool TaskInfo::prepareStep(TaskItem& item)
         prepared.m_bDrawing = prepared.m_pcArithm->getID() == QLatin1String(Drawing::getID());
     }
     const int view = prepared.m_bDrawing && !item.runsAtTaskEnd() ? clampedView() : -1;
-    if (prepared.m_nView == view && shareData(prepared.m_strOption, item.m_strOption))
+    if (prepared.m_nView == view && prepared.m_strOption.isSharedWith(item.m_strOption))
         return true;
     prepared.m_cUtf8 = optionFor(item, view);
     prepared.m_strOption = item.m_strOption;
@@ -161,7 +161,7 @@ bool TaskInfo::prepareStep(TaskItem& item)
     return true;
 }
 
-QString TaskInfo::executeStep(const TaskItem& item)
+const char* TaskInfo::executeStep(const TaskItem& item)
 {
     const QByteArray& option = item.m_cPrepared.m_cUtf8;
     const auto bytes = static_cast<std::size_t>(option.size()) + 1;
@@ -211,7 +211,7 @@ void TaskInfo::runTaskEndSteps(QString& message, ErrorWording wording)
             message = TaskMessages::arithmNotExisted(item.m_strArithmName);
             return;
         }
-        QString result = executeStep(item);
+        QString result = QString::fromUtf8(executeStep(item));
         if (result.length() >= ResultCommand::MinResultLength)
             obeyPrints(result);
         if (!result.isEmpty()) {
