@@ -81,10 +81,10 @@ bool isAsItSays(const QImageReader& reader, QSize size)
         return bitmapHasAllRows(file, size);
     if (magic == "\xFF\xD8")
         return jpegHasItsEnd(file);
-    const QByteArray format = reader.format();
-    if (format == "gif")
+    // Their decoders go by less than the whole magic, and not all tell the name of their format.
+    if (magic == "GI")
         return isReasonable(gifCanvas(file));
-    if (format.isEmpty() && magic == QByteArray(2, '\0'))  // the decoder of icons does not tell its name
+    if (magic == QByteArray(2, '\0') && reader.format().isEmpty())
         return isReasonable(firstIcon(file));
     return true;
 }

@@ -116,6 +116,7 @@ private Q_SLOTS:
             << bitmap(5, std::numeric_limits<qint32>::min(), 24, 0, 300) << "a.bmp";
         QTest::newRow("small gif on a huge canvas") << gif(9000, 9000) << "a.gif";
         QTest::newRow("small gif on a huge canvas, called png") << gif(9000, 9000) << "a.png";
+        QTest::newRow("small gif of no known version on a huge canvas") << changed(gif(9000, 9000), 4, '?') << "a.gif";
         QTest::newRow("gif, half a header") << gif(5, 5).left(9) << "a.gif";
         QTest::newRow("small icon that is a huge png") << icon(hugeBlackAndWhitePng(8193, 8192)) << "a.ico";
         QTest::newRow("icon without a picture") << icon({}) << "a.ico";
@@ -152,6 +153,13 @@ private Q_SLOTS:
         const QImage picture = numberedPicture(40, 30);
         QCOMPARE(PictureReader::read(folder.save(picture, "b.ico")).size(), QSize(40, 30));
         QCOMPARE(PictureReader::read(folder.write(icon(encoded(picture, "png")), "c.ico")).size(), QSize(40, 30));
+    }
+
+    void nameWithoutAnEndingIsLookedForWithEachEnding()
+    {
+        const Folder folder;
+        folder.save(numberedPicture(40, 30), "a.png");
+        QCOMPARE(PictureReader::read(folder.path("a")).size(), QSize(40, 30));
     }
 
     void pathThatIsNoRegularFileIsRefusedAtOnce()
