@@ -377,12 +377,12 @@ void StorePicturesTest::byteCountsNeverOverflow()
 
 void StorePicturesTest::exchangeSwapsFirstAndThirdAndLeavesPadding()
 {
-    // Two pixels a row make 6 bytes and 2 of padding.
-    QByteArray pixels("abcdef##ghijkl##", 16);
+    // Two pixels a row make 6 bytes and 2 of padding; the third row is not the picture's.
+    QByteArray pixels("abcdef##ghijkl##mnopqr##", 24);
 
     PictureLayout::exchangeFirstAndThird(reinterpret_cast<unsigned char*>(pixels.data()), 2, 2);
 
-    QCOMPARE(pixels, QByteArray("cbafed##ihglkj##", 16));
+    QCOMPARE(pixels, QByteArray("cbafed##ihglkj##mnopqr##", 24));
 }
 
 void StorePicturesTest::exchangeOfNothingIsIgnored()

@@ -100,10 +100,11 @@ void tstResultText::nothingIsWrittenBehindTheZeroByte()
     std::unique_ptr<char[]> buffer;
     int size = 8;
     putResultText(buffer, size, ofLength(7));
+    std::memset(buffer.get(), '#', 8);
 
     putResultText(buffer, size, QStringLiteral("abc"));
 
-    QCOMPARE(QByteArray(buffer.get(), 8), QByteArray("abc\0xxx\0", 8));
+    QCOMPARE(QByteArray(buffer.get(), 8), QByteArray("abc\0####", 8));
 }
 
 void tstResultText::capacityNeverShrinks()
