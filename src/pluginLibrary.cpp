@@ -70,7 +70,7 @@ QString segmentProblem(QFile& file, const ElfHeader& header)
     file.seek(static_cast<qint64>(header.e_phoff));
     const QByteArray table = file.read(tableBytes);
     if (table.size() != tableBytes)
-        return QStringLiteral("file is cut off");
+        return QStringLiteral("file cannot be read");
     bool loadable = false;
     for (int i = 0; i < header.e_phnum; ++i) {
         ProgramHeader segment;
