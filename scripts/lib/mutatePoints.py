@@ -96,7 +96,12 @@ class Finder:
         return (token.start > 0 and self.text[token.start - 1].isspace() and self.text[token.end:token.end + 1].isspace())
 
     def mutations(self):
+        asserted = -1
         for i, token in enumerate(self.tokens):
+            if token.text == "static_assert" and i + 1 in self.partner:
+                asserted = self.partner[i + 1]  # A test of its own, done by the compiler.
+            if i <= asserted:
+                continue
             if token.kind == "operator":
                 self._operator(i, token)
             elif token.kind == "number":

@@ -8,13 +8,10 @@ import hashlib
 import json
 import os
 import re
-import select
 import shlex
 import shutil
-import signal
 import subprocess
 import time
-from collections import Counter
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -24,12 +21,7 @@ PATCHES = {
     "cmake/ProjectOptions.cmake": [("set(CMAKE_CXX_VISIBILITY_PRESET hidden)", ""),
                                    ("set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)", ""), (":-Og>", ":-O0>")],
 }
-INCLUDE = re.compile(r"^#include <([\w/]+)>", re.M)
 CORE, STORE = "lib/liblumivantCore.so", "lib/libArithmParamMgr.so.1.0.0"
-STORE_NAME = "libArithmParamMgr.so.1"
-LIMITS = ["--core=0", f"--fsize={256 << 20}"]
-ADDRESS_SPACE = f"--as={8 << 30}"  # Not under a sanitizer, which reserves more than there is.
-TIME_FACTOR, TIME_SLACK = 5, 10  # A test that takes longer than this hangs: factor x normal + slack in seconds.
 
 
 class Failure(Exception):
@@ -91,8 +83,6 @@ class Scratch:
             "Building the scratch copy")
         self._read_tests(wanted)
         self._read_units()
-        say("precompiling headers")
-        self._precompile([unit for unit in self.units if unit.object.startswith("src/")])
 
     def _copy(self):
         listed = subprocess.run(["git", "ls-files", "-co", "--exclude-standard"], cwd=self.root, capture_output=True,
@@ -127,7 +117,7 @@ class Scratch:
         """The test programs, relative to the build folder; ctest itself names only those that are built already."""
         found = set()
         for file in (self.build / "tests").rglob("CTestTestfile.cmake"):
-            for name, program in re.findall(r"add_test\(\[=\[(.*?)\]=\] \"(.*?/test-run/.*?)\"", file.read_text()):
+            for name, program in re.findall(r"add_test\(\[=\[(.*?)\]=\] \"([^\"]*/test-run/[^\"]*)\"", file.read_text()):
                 if re.search(wanted, name):
                     found.add(os.path.relpath(program, self.build))
         return sorted(found)
@@ -175,8 +165,6 @@ class Scratch:
                     current.add(os.path.relpath(path, self.source))
         return deps
 
-    # ---- Precompiled Qt ----
-
     @staticmethod
     def flags_of(unit):
         command, flags, skip = unit.command, [], False
@@ -188,31 +176,6 @@ class Scratch:
             elif word not in ("-c", "-MD") and word != str(unit.source):
                 flags.append(word)
         return flags
-
-    def header_of(self, unit):
-        # Where our own headers lie does not matter to a header of Qt alone.
-        flags = [flag for flag in self.flags_of(unit) if not flag.startswith(("-I", str(self.build)))]
-        key = hashlib.sha256(" ".join(flags).encode()).hexdigest()[:16]
-        return self.folder / "pch" / key / "qt.h"
-
-    def _foreign_includes(self, unit):
-        files = [unit.source, *(self.source / name for name in unit.needs)]
-        return {name for file in files if file.is_file() for name in INCLUDE.findall(file.read_text(errors="replace"))}
-
-    def _precompile(self, units):
-        """One header for each set of flags, of what a quarter of its units include; more would cost more to load."""
-        groups = {}
-        for unit in units:
-            groups.setdefault(self.header_of(unit), []).append(unit)
-        for header, members in groups.items():
-            counts = Counter(name for unit in members for name in self._foreign_includes(unit))
-            text = "".join(f"#include <{name}>\n" for name in sorted(counts) if 4 * counts[name] >= len(members))
-            if header.exists() and header.read_text() == text and header.with_name("qt.h.gch").exists():
-                continue
-            header.parent.mkdir(parents=True, exist_ok=True)
-            header.write_text(text)
-            run([*self.flags_of(members[0]), "-x", "c++-header", str(header), "-o", str(header) + ".gch"], self.build,
-                "Precompiling a header")
 
     # ---- Coverage: which test reaches which line ----
 
@@ -237,12 +200,15 @@ class Scratch:
         return self._reached(cache)
 
     def _measure(self, missing, cache, say):
-        worker = Worker(self, "coverage")
+        from mutateWorker import Worker  # Which needs this module.
         extra = ("--coverage", "-fprofile-update=atomic") if not self.sanitizer else ()
-        if extra:
+        mark, wanted = self.folder / "coverage/instrumented", " ".join([cache["code"], *cache["files"]])
+        again = mark.exists() and mark.read_text() == wanted
+        worker = Worker(self, "coverage", again)
+        if extra and not again:
             measured = {self.source / name for name in cache["files"]}
-            units = [unit for unit in self.units if unit.source in measured]
-            worker.instrument(units, extra)
+            worker.instrument([unit for unit in self.units if unit.source in measured], extra)
+            mark.write_text(wanted)
         for test, key in missing:
             for old in worker.objects.rglob("*.gcda"):
                 old.unlink()
@@ -266,195 +232,3 @@ class Scratch:
                         tests.add(test.name)
         self.tests = [test for test in self.tests if not cache["tests"][test.name]["fails"]]
         return reached
-
-
-class Worker:
-    """A copy of the sources, the libraries and the test folders in which one mutant at a time is built and tested."""
-
-    def __init__(self, scratch, name):
-        self.scratch = scratch
-        self.folder = scratch.folder / name
-        self.source, self.lib, self.run_folder = self.folder / "source", self.folder / "lib", self.folder / "run"
-        self.objects, self.home = self.folder / "obj", self.folder / "home"
-        shutil.rmtree(self.folder, ignore_errors=True)
-        shutil.copytree(scratch.source / "src", self.source / "src")
-        shutil.copytree(scratch.source / "tests", self.source / "tests")
-        shutil.copytree(scratch.source / "sdk", self.source / "sdk")
-        for folder in (self.lib, self.run_folder, self.objects, self.home):
-            folder.mkdir()
-        self.programs = set()  # Test programs that are not as the scratch copy built them.
-        for output in (CORE, STORE):
-            self._restore_library(output)
-        for test in scratch.tests:
-            self._tidy(test)
-
-    # ---- Files ----
-
-    def _library(self, output):
-        return self.lib / (STORE_NAME if output == STORE else Path(output).name)
-
-    def _restore_library(self, output):
-        self._library(output).unlink(missing_ok=True)
-        shutil.copy2(self.scratch.build / output, self._library(output))
-
-    def _tidy(self, test):
-        """Leaves nothing in the folder of a test but its program, and nothing in the temporary folder."""
-        folder = self.run_folder / test.program.parent.name
-        folder.mkdir(exist_ok=True)
-        for entry in folder.iterdir():
-            if entry.name != test.program.name:
-                shutil.rmtree(entry) if entry.is_dir() and not entry.is_symlink() else entry.unlink()
-        if not (folder / test.program.name).exists():
-            shutil.copy2(test.program, folder)
-        shutil.rmtree(self.home, ignore_errors=True)
-        (self.home / "tmp").mkdir(parents=True)
-
-    # ---- Building ----
-
-    def _compile(self, unit, extra=()):
-        """The object of a unit from this worker's sources; None when it does not compile."""
-        target = self.objects / unit.object
-        target.parent.mkdir(parents=True, exist_ok=True)
-        mine = [word.replace(str(self.scratch.source), str(self.source)) for word in self.scratch.flags_of(unit)]
-        source = str(unit.source).replace(str(self.scratch.source), str(self.source))
-        header = self.scratch.header_of(unit)
-        if not extra and header.with_name("qt.h.gch").exists():
-            mine += ["-include", str(header)]
-        command = [*mine, *extra, "-w", "-c", source, "-o", str(target)]
-        done = subprocess.run(command, cwd=self.scratch.build, stdin=subprocess.DEVNULL, capture_output=True)
-        return str(target) if done.returncode == 0 else None
-
-    def _link(self, output, target, objects, extra=()):
-        command = list(self.scratch.links[output])
-        command[command.index("-o") + 1] = str(target)
-        command = [objects.get(word, word) for word in command] + list(extra)
-        target.unlink(missing_ok=True)
-        return subprocess.run(command, cwd=self.scratch.build, stdin=subprocess.DEVNULL,
-                              capture_output=True).returncode == 0
-
-    def _build_libraries(self, units, extra=()):
-        objects = {}
-        for unit in units:
-            made = self._compile(unit, extra)
-            if not made:
-                return False
-            objects[unit.object] = made
-        for output in (STORE, CORE):
-            if set(self.scratch.links[output]) & set(objects):
-                if not self._link(output, self._library(output), objects, extra):
-                    return False
-        return True
-
-    def _build_program(self, test, header):
-        """Builds a test program anew when it uses a header that is changed; false when it does not compile."""
-        output = str(test.program.relative_to(self.scratch.build))
-        units = [unit for unit in self.scratch.units if unit.object in self.scratch.links[output]]
-        stale = [unit for unit in units if header in unit.needs]
-        if not stale:
-            return True
-        objects = {unit.object: self._compile(unit) for unit in stale}
-        self.programs.add(test.program)
-        return all(objects.values()) and self._link(output, self._program(test), objects)
-
-    def instrument(self, units, extra):
-        if not self._build_libraries(units, extra):
-            raise Failure("The instrumented libraries do not build.")
-
-    def lines_reached(self):
-        files = [str(path) for path in self.objects.rglob("*.gcda")]
-        if not files:
-            return {}
-        text = run(["gcov", "--json-format", "--stdout", *files], self.folder, "gcov")
-        lines = {}
-        for document in text.splitlines():
-            if not document.startswith("{"):
-                continue
-            for entry in json.loads(document)["files"]:
-                name = entry["file"].replace(str(self.source) + "/", "")
-                if name.startswith("src/"):
-                    counts = lines.setdefault(name, {})
-                    for line in entry["lines"]:
-                        key = str(line["line_number"])
-                        counts[key] = max(counts.get(key, 0), min(line["count"], 1))
-        return lines
-
-    # ---- Testing ----
-
-    def _program(self, test):
-        return self.run_folder / test.program.parent.name / test.program.name
-
-    def run_test(self, test, limit):
-        """Why the test failed; an empty text when it passed."""
-        self._tidy(test)
-        environment = {**os.environ, **test.environment, "LD_LIBRARY_PATH": str(self.lib), "HOME": str(self.home),
-                       "TMPDIR": str(self.home / "tmp"), "XDG_RUNTIME_DIR": str(self.home / "tmp")}
-        limits = LIMITS + ([] if self.scratch.sanitizer else [ADDRESS_SPACE])
-        process = subprocess.Popen(["prlimit", *limits, str(self._program(test)), *test.arguments],
-                                   cwd=self._program(test).parent, env=environment, stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, start_new_session=True)
-        try:
-            return self._watch(process, time.monotonic() + limit)
-        finally:
-            try:
-                os.killpg(process.pid, signal.SIGKILL)
-            except ProcessLookupError:
-                pass
-            process.wait()
-            process.stdout.close()
-
-    @staticmethod
-    def _watch(process, end):
-        """Reads what a test says until it fails, ends or takes too long."""
-        rest = b""
-        while time.monotonic() < end:
-            if select.select([process.stdout], [], [], 0.2)[0]:
-                piece = os.read(process.stdout.fileno(), 65536)
-                if piece:
-                    *lines, rest = (rest + piece).split(b"\n")
-                    failed = next((line for line in lines if re.match(rb"(FAIL!|XPASS|QFATAL)\s*: ", line)), None)
-                    if failed:
-                        return failed.decode(errors="replace").split(": ", 1)[1].split(" ")[0]
-                    continue
-            if process.poll() is not None or rest is None:
-                break
-            # The pipe is closed while the process lives: wait for its end.
-            time.sleep(0.002)
-        if process.poll() is None:
-            return "a hang"
-        return "" if process.returncode == 0 else f"exit {process.returncode}"
-
-    def try_mutation(self, mutation, text, tests):
-        """("not compiled" | "survived" | "caught", by whom)"""
-        file = self.source / mutation.file
-        file.write_text(text[:mutation.start] + mutation.put + text[mutation.end:])
-        try:
-            return self._try(mutation, tests)
-        finally:
-            file.write_text(text)
-            for output in (CORE, STORE):
-                if self._touched(mutation.file, output):
-                    self._restore_library(output)
-            for program in self.programs:
-                (self.run_folder / program.parent.name / program.name).unlink(missing_ok=True)
-            self.programs.clear()
-
-    def _units_of(self, name):
-        path = self.scratch.source / name
-        return [unit for unit in self.scratch.units if unit.object.startswith("src/")
-                and not unit.object.startswith("src/CMakeFiles/lumivant.dir")
-                and (unit.source == path or name in unit.needs)]
-
-    def _touched(self, name, output):
-        return any(unit.object in self.scratch.links[output] for unit in self._units_of(name))
-
-    def _try(self, mutation, tests):
-        if not self._build_libraries(self._units_of(mutation.file)):
-            return "not compiled", ""
-        for test in tests:
-            if mutation.file.endswith(".h") and not self._build_program(test, mutation.file):
-                return "not compiled", ""
-            reason = self.run_test(test, test.seconds * TIME_FACTOR + TIME_SLACK)
-            if reason:
-                return "caught", f"{test.name}::{reason.split('::')[1].rstrip('()')}" if "::" in reason else (
-                    f"{test.name} ({reason})")
-        return "survived", ""
