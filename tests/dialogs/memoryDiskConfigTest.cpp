@@ -206,6 +206,17 @@ private Q_SLOTS:
                  QStringLiteral("不支持的输入数据格式:"));
     }
 
+    void firstRecordIsAnInputToo()
+    {
+        DlgMemoryDiskConfig dialog(QStringLiteral("<InputID>1</InputID>"), m_pcStore, nullptr);
+        dialog.show();
+
+        click(dialog, "btnOK");
+
+        QCOMPARE(dialog.getConfigString(),
+                 QStringLiteral("<MemDisk>0</MemDisk><InputID>1</InputID><InputType></InputType>"));
+    }
+
     void cancelAndEscapeLeaveAnEmptyText()
     {
         const QString config = QStringLiteral("<MemDisk>3</MemDisk><InputID>4</InputID><InputType>RGB</InputType>");

@@ -265,6 +265,16 @@ private Q_SLOTS:
         disk->releaseDIB(slot);
     }
 
+    void clearWithoutADiskIsIgnored()
+    {
+        addColour(0, 2);
+        pick(dialog(), "cmbMemDisk0", 6);
+
+        dialog().on_btnClear0_clicked();  // The button itself is disabled.
+
+        QCOMPARE(MemoryDisk::getInstance(0)->getDIBPreparedNum(), 2);
+    }
+
     void intervalComboIsNeverConnectedAndTheRefreshStaysAtOneSecond()
     {
         for (int index : {0, 4, 8}) {

@@ -1,4 +1,5 @@
 #include "memoryDisk/memoryDisk.h"
+#include "memoryDisk/memoryDiskOption.h"
 #include "paramStore/arithmParamMgr.h"
 
 #include <QtTest>
@@ -153,6 +154,24 @@ private Q_SLOTS:
         QCOMPARE(slot->getWidth(), 3);
         QCOMPARE(QByteArray(reinterpret_cast<const char*>(slot->getGray8()), 6), QByteArray("abcdef"));
         disk->releaseGray8(slot);
+    }
+
+    void pictureOfOnePixelIsWritten()
+    {
+        m_pcStore->getParamDIB(1)->resize(1, 1);
+        m_pcStore->getParamGray8(1)->resize(1, 1);
+
+        QCOMPARE(run(option("0", "1", "RGB"), m_pcStore), QString());
+        QCOMPARE(run(option("0", "1", "Gray8"), m_pcStore), QString());
+
+        QCOMPARE(MemoryDisk::getInstance(0)->getDIBPreparedNum(), 1);
+        QCOMPARE(MemoryDisk::getInstance(0)->getGray8PreparedNum(), 1);
+    }
+
+    void optionWithoutNumbersIsWrittenWithZeros()
+    {
+        QCOMPARE(MemoryDiskOption().toText(),
+                 QStringLiteral("<MemDisk>0</MemDisk><InputID>0</InputID><InputType></InputType>"));
     }
 
     void recordWithoutPictureWritesNothingAndIsNoError_data()

@@ -387,6 +387,26 @@ private slots:
         order<GreyKind>(disk);
     }
 
+    void slotWithoutMemoryIsEmptyAndTakesOneByteAgain()
+    {
+        if (!MemoryLimit::works())
+            QSKIP("Memory cannot be limited under a sanitizer.");
+        MemoryDisk::Gray8 slot;
+        const unsigned char pixels[] = {7, 8};
+        QVERIFY(slot.store(pixels, 2, 2, 1));
+        {
+            const MemoryLimit limit(400 << 20);
+            QVERIFY(!slot.store(pixels, 400000000, 20000, 20000));
+        }
+        QCOMPARE(slot.getWidth(), 0);
+        QCOMPARE(slot.getHeight(), 0);
+
+        QVERIFY(slot.store(pixels, 1, 1, 1));
+
+        QCOMPARE(slot.getWidth(), 1);
+        QCOMPARE(int{slot.getGray8()[0]}, 7);
+    }
+
     void colourAndGreyPoolsAndDisksAreIndependent()
     {
         MemoryDisk* disk = MemoryDisk::getInstance(5);
