@@ -392,6 +392,8 @@ private slots:
         if (!MemoryLimit::works())
             QSKIP("Memory cannot be limited under a sanitizer.");
         MemoryDisk::Gray8 slot;
+        QCOMPARE(slot.getWidth(), 0);
+        QCOMPARE(slot.getHeight(), 0);
         const unsigned char pixels[] = {7, 8};
         QVERIFY(slot.store(pixels, 2, 2, 1));
         {
