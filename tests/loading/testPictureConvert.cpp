@@ -113,7 +113,7 @@ private Q_SLOTS:
     {
         QFETCH(int, format);
         constexpr int Width = 4096;
-        constexpr int Rows = 64;
+        constexpr int Rows = 4;  // too few for Qt to hand them to threads of its own
         QImage picture(Width, Rows, static_cast<QImage::Format>(format));
         for (QRgb first = 0; first < 0x1000000; first += Width * Rows) {
             for (QRgb i = 0; i < Width * Rows; ++i)
