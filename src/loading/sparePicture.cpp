@@ -3,37 +3,102 @@
 #include "paramStore/arithmParamMgr.h"
 #include "paramStore/pictureLayout.h"
 
+#include <malloc.h>
+
+#include <algorithm>
+#include <array>
 #include <memory>
 
 namespace {
+
+constexpr int SpareID = 1;
+constexpr std::size_t Slack = 64 * 1024;  // bytes that are not worth a thought
 
 struct StoreDeleter
 {
     void operator()(ArithmParamMgr* store) const { ArithmParamMgr::deleteInstance(store); }
 };
 
-/// Lives as long as its thread.
-ArithmParamMgr& spareStore()
+/// The pixels of a record's whole buffer, also where the record is empty at the moment; null for no record.
+template <typename Record>
+Record* shown(Record* record)
 {
-    static thread_local const std::unique_ptr<ArithmParamMgr, StoreDeleter> store(ArithmParamMgr::newInstance());
-    return *store;
+    if (record)
+        record->resize(1, 1);
+    return record;
 }
 
-constexpr int SpareID = 1;
+/// The spare pictures of a thread, one of each kind; they live as long as it.
+class Spares
+{
+public:
+    ArithmParamMgr& store() { return *m_pcStore; }
+
+    /// Notes what the next picture needs, and now and then lets go of what none of the last ones did.
+    void expect(bool grey, std::int64_t bytes)
+    {
+        std::size_t& largest = m_anLargest.at(grey ? 1 : 0);
+        largest = std::max(largest, static_cast<std::size_t>(std::max<std::int64_t>(bytes, 0)));
+        if (++m_nPictures < SparePicture::LookEvery)
+            return;
+        letGoAbove(false, 2 * m_anLargest[0] + Slack);
+        letGoAbove(true, 2 * m_anLargest[1] + Slack);
+        m_nPictures = 0;
+        m_anLargest = {};
+    }
+
+    void letGoAbove(bool grey, std::size_t most)
+    {
+        if (keptBytes(grey) <= most)
+            return;
+        if (grey)
+            m_pcStore->removeParamGray8(SpareID);
+        else
+            m_pcStore->removeParamDIB(SpareID);
+    }
+
+    std::size_t keptBytes(bool grey) const
+    {
+        if (grey) {
+            const ParamGray8* record = shown(m_pcStore->findParamGray8(SpareID));
+            return record ? malloc_usable_size(record->getGray8()) : 0;
+        }
+        const ParamDIB* record = shown(m_pcStore->findParamDIB(SpareID));
+        return record ? malloc_usable_size(record->getDIB()) : 0;
+    }
+
+private:
+    const std::unique_ptr<ArithmParamMgr, StoreDeleter> m_pcStore{ArithmParamMgr::newInstance()};
+    std::array<std::size_t, 2> m_anLargest{};  ///< Bytes of the largest coloured and grey picture since the last look.
+    int m_nPictures = 0;                       ///< Since then.
+};
+
+Spares& spares()
+{
+    static thread_local Spares t_cSpares;
+    return t_cSpares;
+}
 
 }  // namespace
+
+std::size_t SparePicture::keptBytes(bool grey)
+{
+    return spares().keptBytes(grey);
+}
 
 SparePicture::SparePicture(bool grey) : m_bGrey(grey) {}
 
 bool SparePicture::resize(int width, int height)
 {
     if (m_bGrey) {
-        ParamGray8* record = spareStore().getParamGray8(SpareID);
+        spares().expect(true, PictureLayout::gray8Bytes(width, height));
+        ParamGray8* record = spares().store().getParamGray8(SpareID);
         record->resize(width, height);
         m_pcPixels = record->getGray8();
         m_nStride = static_cast<std::size_t>(width);
     } else {
-        ParamDIB* record = spareStore().getParamDIB(SpareID);
+        spares().expect(false, PictureLayout::colourBytes(width, height));
+        ParamDIB* record = spares().store().getParamDIB(SpareID);
         record->resize(width, height);
         m_pcPixels = record->getDIB();
         m_nStride = static_cast<std::size_t>(PictureLayout::colourStride(width));
@@ -48,10 +113,12 @@ PictureConvert::RowOperation SparePicture::operation(QImage::Format format) cons
 
 void SparePicture::giveTo(ParamDIB& record) const
 {
-    record.swapPixels(*spareStore().getParamDIB(SpareID));
+    record.swapPixels(*spares().store().getParamDIB(SpareID));
+    spares().letGoAbove(false, MostKept);
 }
 
 void SparePicture::giveTo(ParamGray8& record) const
 {
-    record.swapPixels(*spareStore().getParamGray8(SpareID));
+    record.swapPixels(*spares().store().getParamGray8(SpareID));
+    spares().letGoAbove(true, MostKept);
 }

@@ -15,10 +15,22 @@ class ParamGray8;
  *
  * The pixels are exchanged with the record's, so that a stream of pictures neither copies nor allocates. Only one at a
  * time in each thread.
+ *
+ * What a thread keeps for its next picture is let go when it is above MostKept, and when it is more than twice as large
+ * as any of the thread's last pictures: one huge picture must not take the memory of a small board for weeks.
  */
 class SparePicture
 {
 public:
+    static constexpr std::size_t MostKept = std::size_t{64} << 20;  ///< Bytes of one kind: 22 million coloured pixels.
+
+    /// After so many pictures a thread looks at what it keeps. Odd, because the record's pixels and the spare ones take
+    /// turns, and both are to be seen.
+    static constexpr int LookEvery = 31;
+
+    /// Bytes that the calling thread keeps for its next picture of a kind; their content is lost. For tests.
+    static std::size_t keptBytes(bool grey);
+
     explicit SparePicture(bool grey);
 
     bool isGrey() const { return m_bGrey; }
