@@ -1,6 +1,7 @@
 #include "saving/pictureFile.h"
 
 #include "saving/bmpWriter.h"
+#include "saving/leftovers.h"
 #include "saving/pngWriter.h"
 
 #include <QFile>
@@ -15,11 +16,11 @@
 
 namespace {
 
-/// A hidden name that no other thread or program uses now; a picture folder's reader passes over it.
+/// A hidden name that no other thread or program uses now.
 QString partName(const QString& folder)
 {
     static std::atomic<unsigned> count{0};
-    return QStringLiteral("%1/.lumivant-%2-%3.part").arg(folder).arg(::getpid()).arg(count.fetch_add(1));
+    return folder + QLatin1Char('/') + Leftovers::nameOf(::getpid(), count.fetch_add(1));
 }
 
 /**
@@ -47,6 +48,8 @@ public:
             setFileName(partName(m_strFolder));
             m_bMade = open(WriteOnly | NewOnly);
         } while (!m_bMade && exists());
+        if (m_bMade)
+            Leftovers::removeBeside(fileName());
         return m_bMade;
     }
 

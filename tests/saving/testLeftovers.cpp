@@ -1,0 +1,140 @@
+#include "pictureSupport.h"
+#include "saving/pictureFile.h"
+
+#include <QtTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <ctime>
+
+using namespace PictureSupport;
+
+namespace {
+
+/// The number of a process that has ended.
+int endedProcess()
+{
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(0);
+    ::waitpid(child, nullptr, 0);
+    return child;
+}
+
+QString partOf(int process, int count = 0)
+{
+    return QStringLiteral(".lumivant-%1-%2.part").arg(process).arg(count);
+}
+
+/// Makes a file that was written to for the last time so long ago.
+void makeFile(const QString& path, int minutesAgo)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.write("half a picture") > 0);
+    file.close();
+    const timespec then{std::time(nullptr) - minutesAgo * 60, 0};
+    const timespec times[] = {then, then};
+    QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+}
+
+bool savePicture(const Folder& folder)
+{
+    QImage picture(8, 4, QImage::Format_RGB888);
+    picture.fill(Qt::red);
+    return PictureFile::write(picture, folder.path("cam.bmp"));
+}
+
+}  // namespace
+
+class TestLeftovers : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void onlyWhatNobodyWillEverCompleteIsRemoved_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("minutesAgo");
+        QTest::addColumn<bool>("isRemoved");
+        const int ended = endedProcess();
+        QTest::newRow("killed two hours ago") << partOf(ended) << 120 << true;
+        QTest::newRow("killed, many pictures") << partOf(ended, 999999999) << 120 << true;
+        QTest::newRow("an earlier program had our number") << partOf(::getpid(), 7) << 120 << true;
+        QTest::newRow("killed half an hour ago") << partOf(ended) << 30 << false;
+        QTest::newRow("from the future") << partOf(ended) << -120 << false;
+        QTest::newRow("our own, now") << partOf(::getpid(), 7) << 0 << false;
+        QTest::newRow("that process lives") << partOf(::getppid()) << 120 << false;
+        QTest::newRow("no process") << partOf(0) << 120 << false;
+        QTest::newRow("not a process") << ".lumivant--5-1.part" << 120 << false;
+        QTest::newRow("number too large") << ".lumivant-99999999999-1.part" << 120 << false;
+        QTest::newRow("no count") << QStringLiteral(".lumivant-%1.part").arg(ended) << 120 << false;
+        QTest::newRow("something behind") << partOf(ended) + ".bak" << 120 << false;
+        QTest::newRow("something in front") << "a" + partOf(ended) << 120 << false;
+        QTest::newRow("zeros in front") << QStringLiteral(".lumivant-0%1-0.part").arg(ended) << 120 << false;
+        QTest::newRow("not hidden") << partOf(ended).mid(1) << 120 << false;
+        QTest::newRow("a user's picture") << "other.bmp" << 120 << false;
+    }
+
+    void onlyWhatNobodyWillEverCompleteIsRemoved()
+    {
+        QFETCH(QString, name);
+        QFETCH(int, minutesAgo);
+        QFETCH(bool, isRemoved);
+        const Folder folder;
+        makeFile(folder.path(qPrintable(name)), minutesAgo);
+
+        QVERIFY(savePicture(folder));
+
+        QCOMPARE(QFile::exists(folder.path(qPrintable(name))), !isRemoved);
+        QCOMPARE(QImage(folder.path("cam.bmp")).size(), QSize(8, 4));
+    }
+
+    void folderOfThatNameStays()
+    {
+        const Folder folder;
+        const QString path = folder.path(qPrintable(partOf(endedProcess())));
+        QVERIFY(QDir().mkdir(path));
+        const timespec times[] = {{std::time(nullptr) - 7200, 0}, {std::time(nullptr) - 7200, 0}};
+        QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+        QVERIFY(savePicture(folder));
+        QVERIFY(QFileInfo(path).isDir());
+    }
+
+    void linkOfThatNameStays()
+    {
+        const Folder folder;
+        makeFile(folder.path("picture.bmp"), 120);
+        const QString link = folder.path(qPrintable(partOf(endedProcess())));
+        QVERIFY(QFile::link(folder.path("picture.bmp"), link));
+        QVERIFY(savePicture(folder));
+        QVERIFY(QFileInfo(link).isSymLink());
+        QVERIFY(QFile::exists(folder.path("picture.bmp")));
+    }
+
+    void folderIsLookedThroughWhenItsFirstPictureIsSaved()
+    {
+        const Folder folder;
+        QVERIFY(savePicture(folder));
+        const QString late = folder.path(qPrintable(partOf(endedProcess())));
+        makeFile(late, 120);
+        QVERIFY(savePicture(folder));
+        QVERIFY(QFile::exists(late));
+    }
+
+    void allOfThemGo()
+    {
+        const Folder folder;
+        const int ended = endedProcess();
+        for (int i = 0; i < 300; ++i)
+            makeFile(folder.path(qPrintable(partOf(ended, i))), 120);
+        QVERIFY(savePicture(folder));
+        QCOMPARE(QDir(folder.path("")).entryList(QDir::Files | QDir::Hidden), QStringList{"cam.bmp"});
+    }
+};
+
+QTEST_GUILESS_MAIN(TestLeftovers)
+#include "testLeftovers.moc"
