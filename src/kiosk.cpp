@@ -1,5 +1,6 @@
 // The workbench of a machine that does nothing else: fills the screen, opens its project and runs all tasks.
 #include "mainwindow.h"
+#include "memoryArenas.h"
 #include "qtTexts.h"
 #include "startUp.h"
 
@@ -7,6 +8,7 @@
 
 int main(int argc, char* argv[])
 {
+    MemoryArenas::limit();
     StartUp::preparePixels();
     QApplication application(argc, argv);
     QtTexts::makeChinese();

@@ -1,4 +1,5 @@
 #include "mainwindow.h"
+#include "memoryArenas.h"
 #include "qtTexts.h"
 #include "startUp.h"
 
@@ -6,6 +7,7 @@
 
 int main(int argc, char* argv[])
 {
+    MemoryArenas::limit();
     StartUp::preparePixels();
     QApplication application(argc, argv);
     QtTexts::makeChinese();
