@@ -11,6 +11,12 @@ set(LUMIVANT_TEST_ENV
     "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
     "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp:second_deadlock_stack=1:history_size=4:allocator_may_return_null=1")
 
+# Seconds until a test that hangs is ended; under a sanitizer a test computes for up to twenty times as long.
+set(LUMIVANT_TEST_TIMEOUT 300)
+if(LUMIVANT_SANITIZE)
+    set(LUMIVANT_TEST_TIMEOUT 1500)
+endif()
+
 if(NOT TARGET lumivantTestHeaders)  # this file is read in each folder that has tests
     lumivant_header_owner(lumivantTestHeaders
         LIBRARIES lumivantTestSupport Qt5::Widgets Qt5::Test
@@ -30,5 +36,5 @@ function(lumivant_add_test name)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()
     add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY "${folder}")
-    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${LUMIVANT_TEST_ENV}" TIMEOUT 300)
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${LUMIVANT_TEST_ENV}" TIMEOUT ${LUMIVANT_TEST_TIMEOUT})
 endfunction()

@@ -46,8 +46,12 @@ ExternalProject_Add(lumivantPack
 if(LUMIVANT_TESTS)
     enable_testing()
     set(pack_processors 2)
+    set(pack_timeout 900)
+    if(LUMIVANT_SANITIZE)
+        set(pack_timeout 3600)
+    endif()
     add_test(NAME plugin_pack
         COMMAND "${CMAKE_CTEST_COMMAND}" --test-dir "${pack_build_dir}" --parallel ${pack_processors}
             --output-on-failure --no-tests=error)
-    set_tests_properties(plugin_pack PROPERTIES TIMEOUT 900 PROCESSORS ${pack_processors})
+    set_tests_properties(plugin_pack PROPERTIES TIMEOUT ${pack_timeout} PROCESSORS ${pack_processors})
 endif()
