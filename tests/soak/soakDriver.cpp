@@ -194,6 +194,7 @@ void SoakDriver::endRound()
     note("end the round");
     m_bYes = true;
     trigger("newOption");
+    restoreWindow();
     m_ePhase = Phase::Quiet;
     m_cInPhase.start();
 }

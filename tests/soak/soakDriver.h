@@ -66,6 +66,7 @@ private:
     // ---- Rounds -----------------------------------------------------------------------------------------------------
     void openRound();
     void endRound();
+    void restoreWindow();
     void closeBooks();
     bool isQuiet() const;
     void drainDisks();

@@ -1,6 +1,7 @@
 // Weeks in minutes: 32 tasks of all kinds under a user who does everything that the window offers, in random order.
 //     lumivantSoak MINUTES SEED
 #include "mainwindow.h"
+#include "memoryArenas.h"
 #include "soakDriver.h"
 #include "soakLibraries.h"
 
@@ -71,6 +72,7 @@ int soak(double minutes, quint64 seed)
 
 int main(int argc, char* argv[])
 {
+    MemoryArenas::limit();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     if (argc != 3 || std::atof(argv[1]) <= 0) {

@@ -203,6 +203,19 @@ void SoakDriver::clearMessage()
     child<QPushButton>("btnClearMsg")->click();
 }
 
+/// Canvases and Qt's own pictures of the window have one size whenever memory is counted.
+void SoakDriver::restoreWindow()
+{
+    m_cWindow.show();
+    m_cWindow.resize(1000, 700);
+    child<QComboBox>("cbLayout")->setCurrentIndex(0);
+    child<QSplitter>("splitter")->setSizes({300, 700});
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        if (qobject_cast<DlgMemoryDiskStatus*>(widget))
+            widget->hide();
+    }
+}
+
 // ---- Projects -------------------------------------------------------------------------------------------------------
 
 void SoakDriver::saveProject()

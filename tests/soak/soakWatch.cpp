@@ -1,8 +1,12 @@
 #include "soakWatch.h"
 
+#include "drawing/pixelPool.h"
+#include "soakMemory.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QPixmapCache>
 
 #include <execinfo.h>
 #include <malloc.h>
@@ -15,6 +19,12 @@
 #include <cstdio>
 
 namespace {
+
+/// Of the drawing options' pool: it fills by and by, up to a limit of its own.
+qint64 pooledBytes()
+{
+    return static_cast<qint64>(PooledPixels::poolState().m_nFreeBytes);
+}
 
 qint64 nowMs()
 {
@@ -53,12 +63,13 @@ void printThreads()
     }
 }
 
-double meanOf(const QVector<SoakSample>& samples, int begin, int end, qint64 SoakSample::*value)
+/// What neither a box that is still open nor any other passing thing adds to.
+qint64 leastOf(const QVector<SoakSample>& samples, int begin, int end, qint64 SoakSample::*value)
 {
-    double sum = 0;
+    qint64 least = samples.at(begin).*value;
     for (int i = begin; i < end; ++i)
-        sum += static_cast<double>(samples.at(i).*value);
-    return sum / (end - begin);
+        least = std::min(least, samples.at(i).*value);
+    return least;
 }
 
 }  // namespace
@@ -67,12 +78,13 @@ double meanOf(const QVector<SoakSample>& samples, int begin, int end, qint64 Soa
 
 SoakSample SoakSample::take()
 {
+    QPixmapCache::clear();  // Qt keeps up to 10 MiB of drawn buttons and boxes of every size that they ever had
     malloc_trim(0);
     SoakSample sample;
     const QList<QByteArray> pages = fileText(QStringLiteral("/proc/self/statm")).split(' ');
-    sample.m_nResident = pages.value(1).toLongLong() * sysconf(_SC_PAGESIZE);
-    const struct mallinfo2 info = mallinfo2();
-    sample.m_nAllocated = static_cast<qint64>(info.uordblks + info.hblkhd);
+    sample.m_nResident =
+        SoakMemory::isResidentTelling() ? pages.value(1).toLongLong() * sysconf(_SC_PAGESIZE) - pooledBytes() : 0;
+    sample.m_nAllocated = SoakMemory::liveBytes() - pooledBytes();
     sample.m_nThreads = threadNum();
     sample.m_nFiles = QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
     return sample;
@@ -101,8 +113,11 @@ int SoakGrowth::warmUp() const
 
 QString SoakGrowth::problem() const
 {
-    constexpr double MostAllocated = 1024.0 * 1024.0;
-    constexpr double MostResident = 12.0 * 1024.0 * 1024.0;
+    return m_vecSamples.isEmpty() ? QString() : countProblem() + memoryProblem();
+}
+
+QString SoakGrowth::countProblem() const
+{
     const int begin = warmUp();
     int mostThreads = 0;
     int mostFiles = 0;
@@ -114,14 +129,23 @@ QString SoakGrowth::problem() const
         if (m_vecSamples.at(i).m_nThreads > mostThreads || m_vecSamples.at(i).m_nFiles > mostFiles)
             return QStringLiteral("threads or open files grew: ") + m_vecSamples.at(i).toString();
     }
-    const int third = (m_vecSamples.size() - begin) / 3;
-    if (third == 0 || m_vecSamples.last().m_nAllocated == 0)
-        return {};
+    return {};
+}
+
+QString SoakGrowth::memoryProblem() const
+{
+    constexpr qint64 MostAllocated = 256 * 1024;
+    constexpr qint64 MostResident = 6 * 1024 * 1024;
+    constexpr int FewestOfAThird = 2;
+    const int begin = warmUp();
     const int end = m_vecSamples.size();
+    const int third = (end - begin) / 3;
+    if (third < FewestOfAThird)
+        return {};
     for (const auto& [value, most] :
          {std::pair(&SoakSample::m_nAllocated, MostAllocated), std::pair(&SoakSample::m_nResident, MostResident)}) {
-        const double grown =
-            meanOf(m_vecSamples, end - third, end, value) - meanOf(m_vecSamples, begin, begin + third, value);
+        const qint64 grown =
+            leastOf(m_vecSamples, end - third, end, value) - leastOf(m_vecSamples, begin, begin + third, value);
         if (grown > most)
             return QStringLiteral("memory grew by %1 KiB: ").arg(grown / 1024) + m_vecSamples.last().toString();
     }

@@ -9,8 +9,9 @@
 /// What the process holds at a moment at which no task exists.
 struct SoakSample
 {
-    qint64 m_nResident = 0;   ///< Bytes of memory in use by the process.
-    qint64 m_nAllocated = 0;  ///< Bytes that malloc has given out; 0 under a sanitizer.
+    qint64 m_nResident =
+        0;  ///< Bytes of memory in use by the process, without free buffers of drawing options; 0 under a sanitizer.
+    qint64 m_nAllocated = 0;  ///< Bytes that malloc has given out, without those; exact.
     int m_nThreads = 0;
     int m_nFiles = 0;
 
@@ -22,8 +23,8 @@ struct SoakSample
 /**
  * Whether something grew from sample to sample.
  *
- * The first samples are warm-up. Threads and files may never be more than then; memory is compared between the first
- * and the last third of what follows, so that neither one large moment nor a slow leak is taken for the other.
+ * The first samples are warm-up. Threads and files may never be more than then; of memory the least of the first and of
+ * the last third of what follows are compared, so that a slow leak is seen, and no large moment is taken for one.
  */
 class SoakGrowth
 {
@@ -35,6 +36,8 @@ public:
 
 private:
     int warmUp() const;
+    QString countProblem() const;
+    QString memoryProblem() const;
 
     QVector<SoakSample> m_vecSamples;
 };
