@@ -1,6 +1,8 @@
-// What does a full HD picture through a memory disk cost, beside its two bare copies through six buffers?
+// How many pictures a second go from one thread to another through a memory disk, beside the two bare copies through
+// six buffers, and beside a pair of GStreamer's elements?
 #include "memoryDisk/memoryDisk.h"
 #include "paramStore/pictureLayout.h"
+#include "twoThreads.h"
 
 #include <benchmark/benchmark.h>
 
@@ -10,47 +12,51 @@
 
 namespace {
 
-constexpr int Width = 1920;
-constexpr int Height = 1080;
-constexpr auto Bytes = static_cast<std::size_t>(PictureLayout::colourBytes(Width, Height));
+constexpr int Slots = 6;
 
+std::size_t bytesOf(const benchmark::State& state)
+{
+    return static_cast<std::size_t>(
+        PictureLayout::colourBytes(static_cast<int>(state.range(0)), static_cast<int>(state.range(1))));
+}
+
+/// The limit: neither thread waits for the other, so what is copied out is any mixture.
 void twoPlainCopies(benchmark::State& state)
 {
-    std::vector<unsigned char> source(Bytes, 7);
-    std::vector<unsigned char> target(Bytes);
-    std::array<std::vector<unsigned char>, 6> slots;
-    slots.fill(std::vector<unsigned char>(Bytes));
-    std::size_t turn = 0;
-    for (auto _ : state) {
-        std::vector<unsigned char>& slot = slots[turn++ % slots.size()];
-        std::memcpy(slot.data(), source.data(), Bytes);
-        benchmark::ClobberMemory();
-        std::memcpy(target.data(), slot.data(), Bytes);
-        benchmark::ClobberMemory();
-    }
+    const std::vector<unsigned char> source(bytesOf(state), 7);
+    std::vector<unsigned char> target(source.size());
+    std::array<std::vector<unsigned char>, Slots> slots;
+    slots.fill(source);
+    const auto slotOf = [&slots](int turn) { return slots[static_cast<std::size_t>(turn % Slots)].data(); };
+    TwoThreads::measure(
+        state, [&](int turn) { std::memcpy(slotOf(turn), source.data(), source.size()); },
+        [&](int turn) { std::memcpy(target.data(), slotOf(turn), target.size()); });
 }
 
 void handOff(benchmark::State& state)
 {
-    std::vector<unsigned char> source(Bytes, 7);
-    std::vector<unsigned char> target(Bytes);
+    const int width = static_cast<int>(state.range(0));
+    const int height = static_cast<int>(state.range(1));
+    std::vector<unsigned char> source(bytesOf(state), 7);
+    std::vector<unsigned char> target(source.size());
     MemoryDisk* disk = MemoryDisk::getInstance(0);
     for (int slot = 0; slot < disk->getDIBBuffNum(); ++slot) {  // the buffers of a running line have been used before
-        disk->addDIB(source.data(), Width, Height);
+        disk->addDIB(source.data(), width, height);
         disk->releaseDIB(disk->requestDIB());
     }
-    for (auto _ : state) {
-        if (!disk->addDIB(source.data(), Width, Height))
-            state.SkipWithError("the disk refused a picture");
-        MemoryDisk::DIB* slot = disk->requestDIB();
-        if (!slot) {
-            state.SkipWithError("the disk lost a picture");
-            break;
-        }
-        std::memcpy(target.data(), slot->getDIB(), Bytes);
-        benchmark::ClobberMemory();
-        disk->releaseDIB(slot);
-    }
+    TwoThreads::measure(
+        state,
+        [&](int) {
+            if (!disk->addDIB(source.data(), width, height))
+                state.SkipWithError("the disk refused a picture");
+        },
+        [&](int) {
+            MemoryDisk::DIB* slot = disk->requestDIB();
+            if (!slot)
+                return state.SkipWithError("the disk lost a picture");
+            std::memcpy(target.data(), slot->getDIB(), target.size());
+            disk->releaseDIB(slot);
+        });
 }
 
 void bareHandOff(benchmark::State& state)
@@ -69,8 +75,8 @@ void bareHandOff(benchmark::State& state)
     }
 }
 
-BENCHMARK(twoPlainCopies);
-BENCHMARK(handOff);
+BENCHMARK(twoPlainCopies)->Args({1920, 1080})->Args({4096, 3000})->UseManualTime();
+BENCHMARK(handOff)->Args({1920, 1080})->Args({4096, 3000})->UseManualTime();
 BENCHMARK(bareHandOff);
 
 }  // namespace

@@ -24,7 +24,10 @@ HEADLESS_PACKAGES=(xvfb xauth xdotool imagemagick x11-utils)
 TEST_PACKAGES=(git clang-14 clang-format-14 lld)
 
 # To measure speed.
-BENCH_PACKAGES=(libbenchmark-dev libopencv-imgcodecs-dev)
+BENCH_PACKAGES=(
+    libbenchmark-dev libopencv-imgcodecs-dev
+    libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base
+)
 
 # To fuzz: the compiler with the fuzzer and the checks.
 FUZZ_PACKAGES=(clang-14 libclang-rt-14-dev)

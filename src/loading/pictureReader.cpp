@@ -5,6 +5,7 @@
 #include <QImageReader>
 #include <QtEndian>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace {
@@ -47,12 +48,26 @@ bool jpegHasItsEnd(QFile& file)
     return all.indexOf(end, std::max(0, all.lastIndexOf(QByteArrayLiteral("\xFF\xDA")))) >= 0;
 }
 
-/// The size of the canvas that a GIF is decoded onto: Qt tells the size of the first frame on it.
-QSize gifCanvas(QFile& file)
+/// Opens the file as Qt does: where there is none of that name, with each ending that Qt knows behind it.
+bool openPicture(QFile& file)
+{
+    if (file.open(QIODevice::ReadOnly))
+        return true;
+    const QString name = file.fileName();
+    const QList<QByteArray> formats = QImageReader::supportedImageFormats();
+    return std::any_of(formats.begin(), formats.end(), [&](const QByteArray& format) {
+        file.setFileName(name + '.' + QLatin1String(format));
+        return file.open(QIODevice::ReadOnly);
+    });
+}
+
+/// Whether the canvas that a GIF is decoded onto is small enough: Qt makes it when it is asked for the size, and then
+/// tells that of the first frame. Its decoder goes by less than the whole magic.
+bool hasReasonableCanvas(QFile& file)
 {
     const QByteArray header = file.peek(10);
     const auto number = [&](int offset) { return qFromLittleEndian<quint16>(header.constData() + offset); };
-    return header.size() < 10 ? QSize() : QSize(number(6), number(8));
+    return !header.startsWith("GIF") || (header.size() == 10 && isReasonable(QSize(number(6), number(8))));
 }
 
 /// The size of the first picture in an icon file: Qt tells what the list at its start says, and decodes what follows.
@@ -70,10 +85,10 @@ QSize firstIcon(QFile& file)
 }
 
 /// Whether nothing of the file is missing, for the formats of which Qt decodes torsos without a word, and it is as
-/// small as Qt says, for those of which it tells another size than it decodes.
-bool isAsItSays(const QImageReader& reader, QSize size)
+/// small as Qt says, for that of which it tells another size than it decodes.
+bool isAsItSays(const QImageReader& reader, const QString& path, QSize size)
 {
-    QFile file(reader.fileName());
+    QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray magic = file.peek(2);
@@ -81,10 +96,7 @@ bool isAsItSays(const QImageReader& reader, QSize size)
         return bitmapHasAllRows(file, size);
     if (magic == "\xFF\xD8")
         return jpegHasItsEnd(file);
-    // Their decoders go by less than the whole magic, and not all tell the name of their format.
-    if (magic == "GI")
-        return isReasonable(gifCanvas(file));
-    if (magic == QByteArray(2, '\0') && reader.format().isEmpty())
+    if (magic == QByteArray(2, '\0') && reader.format().isEmpty())  // the decoder of icons does not tell its name
         return isReasonable(firstIcon(file));
     return true;
 }
@@ -97,9 +109,12 @@ QImage PictureReader::read(const QString& path)
     const QFileInfo info(path);
     if (info.exists() && !info.isFile())
         return {};
-    QImageReader reader(path);
+    QFile file(path);
+    if (!openPicture(file) || !hasReasonableCanvas(file))
+        return {};
+    QImageReader reader(&file);
     const QSize size = reader.size();
-    if (!isReasonable(size) || !isAsItSays(reader, size))
+    if (!isReasonable(size) || !isAsItSays(reader, file.fileName(), size))
         return {};
     return reader.read();
 }

@@ -66,6 +66,17 @@ QByteArray icon(const QByteArray& picture)
     return list + picture;
 }
 
+/// The most that the process has had mapped so far.
+qint64 mostAddressSpaceKiB()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    status.open(QIODevice::ReadOnly);
+    const QByteArray all = status.readAll();
+    const QByteArray name("VmPeak:");
+    const int start = all.indexOf(name) + name.size();
+    return all.mid(start, all.indexOf("kB", start) - start).trimmed().toLongLong();
+}
+
 QByteArray changed(QByteArray bytes, int position, char value)
 {
     bytes[position] = value;
@@ -153,6 +164,17 @@ private Q_SLOTS:
         const QImage picture = numberedPicture(40, 30);
         QCOMPARE(PictureReader::read(folder.save(picture, "b.ico")).size(), QSize(40, 30));
         QCOMPARE(PictureReader::read(folder.write(icon(encoded(picture, "png")), "c.ico")).size(), QSize(40, 30));
+    }
+
+    void hugeCanvasIsRefusedBeforeMemoryIsTaken()
+    {
+        const Folder folder;
+        const QString path = folder.write(gif(9000, 9000), "a.gif");
+        QVERIFY(PictureReader::read(folder.write(gif(3, 3), "b.gif")).size() == QSize(3, 3));  // loads the decoder
+        const qint64 before = mostAddressSpaceKiB();
+        QVERIFY(PictureReader::read(path).isNull());
+        QVERIFY(before > 0);
+        QVERIFY(mostAddressSpaceKiB() - before < 100 * 1024);
     }
 
     void nameWithoutAnEndingIsLookedForWithEachEnding()

@@ -56,7 +56,7 @@ bool isCutBitmap(QFile& file)
 }
 
 /// Whether Qt decodes the file as one of the formats that are listed, whose size is what Qt tells before it decodes. Of
-/// others, such as a GIF that is called .png, it is not: a small file could take all memory.
+/// others that are only called so it is not: a small file could take all memory.
 bool isListedFormat(const QByteArray& format)
 {
     return format == "png" || format == "bmp" || format == "jpeg" || format == "tiff";
@@ -123,6 +123,8 @@ QString PictureDecoder::decode(const QString& path, Frame& frame, const std::ato
     const QString name = QFileInfo(path).fileName();
     StoppableFile file(path, stop);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return FolderMessages::unreadable(name);
+    if (file.peek(3) == "GIF")  // Qt makes its canvas, of any size, as soon as it is asked about it
         return FolderMessages::unreadable(name);
     const bool cut = isCutBitmap(file);
     QImageReader reader(&file);
