@@ -235,6 +235,7 @@ LUMIVANT_EXPORT void soakExcuse(int disk, bool colour)
 LUMIVANT_EXPORT void soakClose()
 {
     ledger().close();
+    run() = Run();  // of the thread that drains the disks
 }
 
 LUMIVANT_EXPORT const char* soakProblems()
