@@ -1,5 +1,7 @@
 #include "pluginLibrary.h"
 
+#include "threadAnnotations.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -8,6 +10,8 @@
 #include <link.h>
 
 #include <cstring>
+#include <utility>
+#include <vector>
 
 using ElfHeader = ElfW(Ehdr);
 using ProgramHeader = ElfW(Phdr);
@@ -99,12 +103,21 @@ QString fileProblem(const QString& path)
     return problem.isEmpty() ? sectionProblem(file, header) : problem;
 }
 
-/// Libraries that lack an entry point: neither used nor unloaded, only kept until the process has ended.
-void keepIncomplete(std::unique_ptr<QLibrary> library)
+/// Libraries that lack an entry point: neither used nor unloaded, only kept until the process has ended. Any thread.
+class IncompleteLibraries
 {
-    static auto* const kept = new QVector<QLibrary*>;
-    kept->append(library.release());
-}
+public:
+    static void keep(std::unique_ptr<QLibrary> library)
+    {
+        static auto* const all = new IncompleteLibraries;
+        const Guard guard(all->m_cMutex);
+        all->m_vecLibraries.push_back(std::move(library));
+    }
+
+private:
+    Mutex m_cMutex;  ///< Innermost: two registries may be made at the same time.
+    std::vector<std::unique_ptr<QLibrary>> m_vecLibraries GUARDED_BY(m_cMutex);
+};
 
 }  // namespace
 
@@ -126,7 +139,7 @@ PluginLibrary::PluginLibrary(const QString& path, const QVector<const char*>& na
         if (!function) {
             m_eState = State::Incomplete;
             // Kept on purpose: a half-fitting library stays mapped for the life of the process.
-            keepIncomplete(std::move(library));
+            IncompleteLibraries::keep(std::move(library));
             return;
         }
         m_vecEntries.append(function);

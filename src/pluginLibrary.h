@@ -11,10 +11,10 @@
  *
  * A file is looked at before it is loaded: one of another machine or word size, one that is no library, one that is
  * shorter than its own headers promise and one whose end was never written is refused with a reason instead of killing
- * the process. Symbols are
- * resolved at once, so a library that lacks a function of another library is refused too, not at its first call.
+ * the process. Symbols are resolved at once, so a library that lacks a function of another library is refused too, not
+ * at its first call.
  *
- * Threads: used on the window's thread, under the lock of the registry that discovers.
+ * Threads: any, each object on one; used under the lock of the registry that discovers, and there are two of those.
  */
 class PluginLibrary
 {

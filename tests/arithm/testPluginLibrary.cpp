@@ -1,11 +1,13 @@
 #include "pluginLibrary.h"
 
 #include "brokenLibraries.h"
+#include "runAtOnce.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <algorithm>
+#include <atomic>
 #include <limits>
 
 using State = PluginLibrary::State;
@@ -92,6 +94,20 @@ private slots:
             QVERIFY(!incomplete.takeLibrary());
         }
         QVERIFY(PluginFolders::isLoaded(path));
+    }
+
+    void manyThreadsMayMeetIncompleteLibrariesAtOnce()
+    {
+        // Two registries may be made at the same moment, each under a lock of its own.
+        std::atomic<int> incomplete{0};
+        runAtOnce(8, [&](int index) {
+            for (int i = 0; i < 10; ++i) {
+                const QString name = QLatin1String(m_vecNames.at((index + i) % m_vecNames.size()));
+                const PluginLibrary library(PluginFolders::built(QStringLiteral("algorithmLacks_") + name), m_vecNames);
+                incomplete += library.state() == State::Incomplete ? 1 : 0;
+            }
+        });
+        QCOMPARE(incomplete.load(), 80);
     }
 
     void unresolvedSymbolIsRefusedWithItsName()
