@@ -24,7 +24,8 @@ add_custom_target(lumivantPackKit DEPENDS "${pack_dir}/kit.stamp")
 set(pack_settings)
 foreach(setting
         CMAKE_BUILD_TYPE CMAKE_CXX_COMPILER CMAKE_CXX_COMPILER_LAUNCHER CMAKE_CXX_FLAGS CMAKE_TOOLCHAIN_FILE
-        CMAKE_EXPORT_COMPILE_COMMANDS LUMIVANT_WERROR LUMIVANT_TESTS LUMIVANT_SANITIZE)
+        CMAKE_EXPORT_COMPILE_COMMANDS CMAKE_MODULE_LINKER_FLAGS CMAKE_SKIP_INSTALL_RPATH CMAKE_INSTALL_LIBDIR
+        LUMIVANT_WERROR LUMIVANT_TESTS LUMIVANT_SANITIZE)
     if(DEFINED ${setting} AND NOT "${${setting}}" STREQUAL "")
         list(APPEND pack_settings "-D${setting}:STRING=${${setting}}")
     endif()
@@ -42,6 +43,11 @@ ExternalProject_Add(lumivantPack
     BUILD_ALWAYS ON
     INSTALL_COMMAND ""
     DEPENDS lumivantPackKit)
+
+# Beside the programs, as the kit is beside their library.
+install(CODE "execute_process(
+    COMMAND \"${CMAKE_COMMAND}\" --install \"${pack_build_dir}\" --prefix \"\${CMAKE_INSTALL_PREFIX}\"
+    COMMAND_ERROR_IS_FATAL ANY)" COMPONENT plugins)
 
 if(LUMIVANT_TESTS)
     enable_testing()

@@ -21,7 +21,7 @@ DISPLAY_PACKAGES=(x11-utils)
 HEADLESS_PACKAGES=(xvfb xauth xdotool imagemagick x11-utils)
 
 # To run the tests and the checks beside them.
-TEST_PACKAGES=(git clang-14 clang-format-14 lld)
+TEST_PACKAGES=(git clang-14 clang-format-14 lld abigail-tools)
 
 # To measure speed.
 BENCH_PACKAGES=(
@@ -31,3 +31,9 @@ BENCH_PACKAGES=(
 
 # To fuzz: the compiler with the fuzzer and the checks.
 FUZZ_PACKAGES=(clang-14 libclang-rt-14-dev)
+
+# To make Debian packages and to look at them.
+PACKAGE_PACKAGES=(git debhelper dpkg-dev cmark-gfm librsvg2-bin lintian)
+
+# To make fresh Debian trees, for ARM too, and to install packages into them.
+TREE_PACKAGES=(mmdebstrap arch-test qemu-user-static)
