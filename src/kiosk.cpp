@@ -1,6 +1,7 @@
 // The workbench of a machine that does nothing else: fills the screen, opens its project and runs all tasks.
 #include "mainwindow.h"
 #include "memoryArenas.h"
+#include "memoryArenas.h"
 #include "qtTexts.h"
 #include "startUp.h"
 
@@ -8,6 +9,7 @@
 
 int main(int argc, char* argv[])
 {
+    MemoryArenas::limit();
     MemoryArenas::limit();
     StartUp::preparePixels();
     QApplication application(argc, argv);
