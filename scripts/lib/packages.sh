@@ -33,7 +33,7 @@ BENCH_PACKAGES=(
 FUZZ_PACKAGES=(clang-14 libclang-rt-14-dev)
 
 # To make Debian packages and to look at them.
-PACKAGE_PACKAGES=(git debhelper dpkg-dev cmark-gfm librsvg2-bin lintian)
+PACKAGE_PACKAGES=(git build-essential debhelper dpkg-dev cmark-gfm librsvg2-bin lintian)
 
 # To make fresh Debian trees, for ARM too, and to install packages into them.
 TREE_PACKAGES=(mmdebstrap arch-test qemu-user-static)
