@@ -1,6 +1,6 @@
 // The workbench of a machine that does nothing else: fills the screen, opens its project and runs all tasks.
+#include "bareScreen.h"
 #include "mainwindow.h"
-#include "memoryArenas.h"
 #include "memoryArenas.h"
 #include "qtTexts.h"
 #include "startUp.h"
@@ -12,9 +12,11 @@ int main(int argc, char* argv[])
     MemoryArenas::limit();
     MemoryArenas::limit();
     StartUp::preparePixels();
+    BareScreen::prepare(argc, argv);
     QApplication application(argc, argv);
     QtTexts::makeChinese();
     MainWindow window;
+    const BareScreen screen(&window);
     StartUp::showOverScreen(window);
     StartUp::quitOnEndSignals();
     StartUp::openNamedProject(window, QApplication::arguments());

@@ -1,3 +1,4 @@
+#include "bareScreen.h"
 #include "mainwindow.h"
 #include "memoryArenas.h"
 #include "qtTexts.h"
@@ -9,9 +10,12 @@ int main(int argc, char* argv[])
 {
     MemoryArenas::limit();
     StartUp::preparePixels();
+    BareScreen::prepare(argc, argv);
     QApplication application(argc, argv);
     QtTexts::makeChinese();
     MainWindow window;
+    const BareScreen screen(&window);
+    BareScreen::fit(&window);
     window.show();
     StartUp::openNamedProject(window, QApplication::arguments());
     return QApplication::exec();
