@@ -1,17 +1,9 @@
 // Sixteen pixels at a time. Compiled without contraction of floating point (see CMakeLists.txt).
 #include "pixels/greyForm.h"
 #include "pixels/kernels.h"
+#include "pixels/neon.h"
 
-#if defined(__ARM_ARCH) && (defined(__aarch64__) || __ARM_ARCH >= 7)
-
-#include <arm_neon.h>
-
-#if defined(__aarch64__)
-#define NEON
-#else
-#include <sys/auxv.h>
-#define NEON __attribute__((target("fpu=neon")))
-#endif
+#if defined(HAS_NEON)
 
 namespace {
 
@@ -105,22 +97,12 @@ NEON void greyOfBgrx(const unsigned char* bgrx, unsigned char* grey, std::size_t
     exact(bgrx, grey, count);
 }
 
-bool isThere()
-{
-#if defined(__aarch64__)
-    return true;  // part of the architecture
-#else
-    constexpr unsigned long Neon = 1UL << 12;  // of AT_HWCAP, on 32-bit ARM
-    return (::getauxval(AT_HWCAP) & Neon) != 0;
-#endif
-}
-
 }  // namespace
 
 const PixelKernels* PixelKernels::neon()
 {
     static constexpr PixelKernels kernels{"neon", exchange, greyOfRgb, greyOfBgrx, rgbOfBgrx, rgbOfGrey};
-    return isThere() ? &kernels : nullptr;
+    return processorHasNeon() ? &kernels : nullptr;
 }
 
 #else

@@ -29,8 +29,9 @@ struct SamplingKernels
     /// Plain C++: what the others have to equal, and what they leave the last pixels of a row to.
     static const SamplingKernels& plain();
 
-    /// Null where this build or this processor does not have it.
+    // Null where this build or this processor does not have them.
     static const SamplingKernels* ssse3();
+    static const SamplingKernels* neon();
 
     /// All that this processor has, the plain one first and the fastest last.
     static std::vector<const SamplingKernels*> available();

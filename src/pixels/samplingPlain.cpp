@@ -57,8 +57,10 @@ const SamplingKernels& SamplingKernels::plain()
 std::vector<const SamplingKernels*> SamplingKernels::available()
 {
     std::vector<const SamplingKernels*> all{&plain()};
-    if (const SamplingKernels* kernels = ssse3())
-        all.push_back(kernels);
+    for (const SamplingKernels* kernels : {ssse3(), neon()}) {
+        if (kernels)
+            all.push_back(kernels);
+    }
     return all;
 }
 

@@ -1,7 +1,12 @@
 #include "pixelSupport.h"
 #include "pixels/pixels.h"
+#include "pixels/samplingKernels.h"
 
 #include <cstring>
+
+#if defined(__arm__)
+#include <sys/auxv.h>
+#endif
 
 using namespace PixelSupport;
 
@@ -123,6 +128,10 @@ private Q_SLOTS:
         QCOMPARE(PixelKernels::available().front(), &PixelKernels::plain());
 #if defined(__x86_64__)
         QCOMPARE(PixelKernels::ssse3() != nullptr, bool(__builtin_cpu_supports("ssse3")));
+#elif defined(__arm__)
+        constexpr unsigned long Neon = 1UL << 12;  // of AT_HWCAP
+        QCOMPARE(PixelKernels::neon() != nullptr, (::getauxval(AT_HWCAP) & Neon) != 0);
+        QCOMPARE(SamplingKernels::neon() != nullptr, (::getauxval(AT_HWCAP) & Neon) != 0);
 #endif
     }
 };
