@@ -135,7 +135,8 @@ void Drawing::Gray8DrawingOpt::paintOver(QImage& canvas, const GreyOverlay& over
         table[static_cast<std::size_t>(value)] = overlay.colourOf(value);
     const unsigned char* grey = pixels();
     auto* target = reinterpret_cast<QRgb*>(memory.data());
-    for (std::int64_t i = 0; i < pixelNum; ++i)
+    const auto count = static_cast<std::size_t>(pixelNum);
+    for (std::size_t i = 0; i < count; ++i)
         target[i] = table[grey[i]];
     // Every colour is opaque or nothing at all, so it is its own premultiplied form.
     paintPart(canvas, QImage(memory.data(), width(), height(), QImage::Format_ARGB32_Premultiplied), source);

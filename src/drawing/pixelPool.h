@@ -33,7 +33,7 @@ public:
 
     /// The pool keeps no more than this; what was given back longest ago goes first.
     static constexpr std::size_t MaxFreeBuffers = 48;
-    static constexpr std::size_t MaxFreeBytes = std::size_t{128} << 20;
+    static constexpr std::size_t MaxFreeBytes = std::size_t{sizeof(void*) == 4 ? 48 : 128} << 20;  // a board has 512 MB
 
 private:
     unsigned char* m_puchData = nullptr;  ///< Owned.

@@ -42,7 +42,8 @@ int saturated(std::int64_t value)
 
 float toCanvas(int place, int offset, float scale)
 {
-    const auto distance = static_cast<float>(std::int64_t{place} - offset);
+    // The difference has 33 bits: exact as a double, and 32-bit processors have no instruction for 64-bit integers.
+    const auto distance = static_cast<float>(static_cast<double>(place) - offset);
     if (scale != 0.0F)
         return distance / scale;
     return distance == 0.0F ? 0.0F : std::copysign(std::numeric_limits<float>::infinity(), distance);

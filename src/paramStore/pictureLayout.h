@@ -24,7 +24,11 @@ constexpr std::int64_t colourStride(int width)
 namespace Detail {
 constexpr std::int64_t bytesOf(std::int64_t rowBytes, int height)
 {
-    return rowBytes < 1 || height < 1 || rowBytes > MaxBytes / height ? 0 : rowBytes * height;
+    if (rowBytes < 1 || height < 1 || rowBytes > MaxBytes)
+        return 0;
+    // Both are below 2^31. A quotient would tell, too, but 32-bit processors call a function for it.
+    const std::int64_t bytes = rowBytes * height;
+    return bytes <= MaxBytes ? bytes : 0;
 }
 }  // namespace Detail
 
@@ -67,6 +71,9 @@ inline void exchangeFirstAndThird(unsigned char* pixels, int width, int height)
 
 static_assert(colourStride(1) == 4 && colourStride(4) == 12 && colourStride(5) == 16 && colourStride(101) == 304);
 static_assert(colourBytes(100, 50) == 15000 && colourBytes(101, 50) == 15200 && gray8Bytes(101, 50) == 5050);
+static_assert(gray8Bytes(MaxBytes, 1) == MaxBytes && gray8Bytes(65536, 32767) == 65536 * 32767 &&
+              gray8Bytes(65536, 32768) == 0 && gray8Bytes(MaxBytes, 2) == 0 && gray8Bytes(MaxBytes, MaxBytes) == 0);
+static_assert(gray16Bytes(MaxBytes, 1) == 0 && colourBytes(MaxBytes, MaxBytes) == 0);
 static_assert(colourBytes(0, 5) == 0 && colourBytes(-3, 5) == 0 && gray8Bytes(1 << 30, 1 << 30) == 0);
 
 }  // namespace PictureLayout

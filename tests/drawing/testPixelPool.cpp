@@ -99,12 +99,12 @@ void TestPixelPool::freeMemoryStaysBoundedInBytes()
     {
         std::vector<PooledPixels> many;
         for (int i = 0; i < 10; ++i)
-            many.emplace_back(std::int64_t{40} << 20);
+            many.emplace_back(static_cast<std::int64_t>(PooledPixels::MaxFreeBytes / 7 * 2));
     }
 
     const auto state = PooledPixels::poolState();
     QVERIFY(state.m_nFreeBytes <= PooledPixels::MaxFreeBytes);
-    QVERIFY(state.m_nFreeBytes >= std::size_t{120} << 20);  // three of them are kept
+    QVERIFY(state.m_nFreeBytes >= PooledPixels::MaxFreeBytes / 7 * 6);  // three of them are kept
 }
 
 void TestPixelPool::steadyDrawingAllocatesNoPictureMemory()
