@@ -16,6 +16,12 @@ set(LUMIVANT_TEST_TIMEOUT 300)
 if(LUMIVANT_SANITIZE)
     set(LUMIVANT_TEST_TIMEOUT 1500)
 endif()
+# An emulator is slow, too, and a test that starts itself once more needs it for that.
+if(CMAKE_CROSSCOMPILING)
+    set(LUMIVANT_TEST_TIMEOUT 3000)
+    string(REPLACE ";" "|" emulator "${CMAKE_CROSSCOMPILING_EMULATOR}")
+    list(APPEND LUMIVANT_TEST_ENV "LUMIVANT_TEST_EMULATOR=${emulator}" "QTEST_FUNCTION_TIMEOUT=2000000")
+endif()
 
 if(NOT TARGET lumivantTestHeaders)  # this file is read in each folder that has tests
     lumivant_header_owner(lumivantTestHeaders
@@ -37,4 +43,8 @@ function(lumivant_add_test name)
     endif()
     add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY "${folder}")
     set_tests_properties(${name} PROPERTIES ENVIRONMENT "${LUMIVANT_TEST_ENV}" TIMEOUT ${LUMIVANT_TEST_TIMEOUT})
+    if(LUMIVANT_QUICK)
+        set_tests_properties(${name} PROPERTIES LABELS quick)
+        add_dependencies(lumivantQuickTests ${name})
+    endif()
 endfunction()

@@ -25,7 +25,7 @@ set(pack_settings)
 foreach(setting
         CMAKE_BUILD_TYPE CMAKE_CXX_COMPILER CMAKE_CXX_COMPILER_LAUNCHER CMAKE_CXX_FLAGS CMAKE_TOOLCHAIN_FILE
         CMAKE_EXPORT_COMPILE_COMMANDS CMAKE_MODULE_LINKER_FLAGS CMAKE_SKIP_INSTALL_RPATH CMAKE_INSTALL_LIBDIR
-        LUMIVANT_WERROR LUMIVANT_TESTS LUMIVANT_SANITIZE)
+        LUMIVANT_SYSROOT LUMIVANT_WERROR LUMIVANT_TESTS LUMIVANT_SANITIZE)
     if(DEFINED ${setting} AND NOT "${${setting}}" STREQUAL "")
         list(APPEND pack_settings "-D${setting}:STRING=${${setting}}")
     endif()
@@ -55,6 +55,10 @@ if(LUMIVANT_TESTS)
     set(pack_timeout 900)
     if(LUMIVANT_SANITIZE)
         set(pack_timeout 3600)
+    endif()
+    if(CMAKE_CROSSCOMPILING)
+        set(pack_processors 1)
+        set(pack_timeout 7200)  # an emulator is slow
     endif()
     add_test(NAME plugin_pack
         COMMAND "${CMAKE_CTEST_COMMAND}" --test-dir "${pack_build_dir}" --parallel ${pack_processors}

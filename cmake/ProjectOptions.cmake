@@ -27,6 +27,11 @@ if(LUMIVANT_LLD AND LUMIVANT_TESTS AND NOT CMAKE_CROSSCOMPILING)
     add_link_options(-fuse-ld=lld)
 endif()
 
+# Files above 2 GB on 32-bit processors, too.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    add_compile_definitions(_FILE_OFFSET_BITS=64)
+endif()
+
 add_library(lumivant_options INTERFACE)
 target_compile_options(lumivant_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual

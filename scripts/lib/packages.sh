@@ -37,3 +37,14 @@ PACKAGE_PACKAGES=(git build-essential debhelper dpkg-dev cmark-gfm librsvg2-bin 
 
 # To make fresh Debian trees, for ARM too, and to install packages into them.
 TREE_PACKAGES=(mmdebstrap arch-test qemu-user-static)
+
+# To build for the board and to run what was built: cross compiler, emulator, name spaces; what builds Lumivant here
+# (BUILD_PACKAGES) is needed, too, for its tools.
+BOARD_PACKAGES=(g++-arm-linux-gnueabihf binutils-arm-linux-gnueabihf qemu-user-static util-linux)
+
+# What the sysroot of the board holds, as packages of the board's architecture.
+BOARD_SYSROOT_PACKAGES=(
+    libc6-dev libstdc++-12-dev linux-libc-dev libubsan1
+    qtbase5-dev libjpeg62-turbo-dev libpng-dev zlib1g-dev libopencv-core-dev libopencv-imgproc-dev
+    libqt5test5 libqt5svg5 qt5-image-formats-plugins qttranslations5-l10n fonts-dejavu-core fonts-wqy-microhei
+)

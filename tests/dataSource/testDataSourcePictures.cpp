@@ -176,7 +176,7 @@ private slots:
             QSKIP("Memory cannot be limited under a sanitizer.");
         const Instance instance = m_cSource.create("RGB", "report=20000x20000,4x3");
         {
-            const MemoryLimit limit(400 << 20);
+            const MemoryLimit limit(100 << 20);
             QVERIFY(!instance->execute());
         }
         QCOMPARE(m_cSource.calls("releasePicture"), 1);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFile>
+#include <QFileInfo>
 #include <QString>
 #include <QStringList>
 
@@ -21,7 +22,7 @@ class ChildProcess
 public:
     explicit ChildProcess(const QStringList& arguments)
     {
-        std::vector<QByteArray> texts{"child"};
+        std::vector<QByteArray> texts = program();
         for (const QString& argument : arguments)
             texts.push_back(QFile::encodeName(argument));
         std::vector<char*> pointers;
@@ -34,7 +35,7 @@ public:
         m_nId = ::fork();
         if (m_nId == 0) {
             ::dup2(ends[1], STDOUT_FILENO);
-            ::execv("/proc/self/exe", pointers.data());
+            ::execv(pointers.front(), pointers.data());
             ::_exit(127);
         }
         ::close(ends[1]);
@@ -84,6 +85,18 @@ public:
     }
 
 private:
+    /// This program's path; an emulator that runs it runs the child as well.
+    static std::vector<QByteArray> program()
+    {
+        std::vector<QByteArray> words;
+        for (const QByteArray& word : qgetenv("LUMIVANT_TEST_EMULATOR").split('|')) {
+            if (!word.isEmpty())
+                words.push_back(word);
+        }
+        words.push_back(QFile::encodeName(QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath()));
+        return words;
+    }
+
     pid_t m_nId = -1;
     int m_nOutput = -1;
 };

@@ -50,15 +50,12 @@ QString taskText(const QString& sizes, const QString& type, const QString& folde
 /// The child: runs the task with little memory to be had. What its pictures claim to be, nobody could copy.
 int runWithLittleMemory(const QString& sizes, const QString& type, const QString& folder)
 {
-    constexpr rlim_t LittleMore = 400 * 1024 * 1024;
+    constexpr std::size_t LittleMore = 400 * 1024 * 1024;
     PluginFolders::clear();
     PluginFolders::addSource(QStringLiteral("sourceScripted"));
     TaskInfo task(QStringLiteral("t"), nullptr);
     task.fromString(taskText(sizes, type, folder));
-    QFile file(QStringLiteral("/proc/self/statm"));
-    file.open(QIODevice::ReadOnly);
-    const rlim_t used = file.readAll().split(' ').constFirst().toULongLong() * static_cast<rlim_t>(getpagesize());
-    const MemoryLimit limit(used + LittleMore);
+    const MemoryLimit limit(LittleMore);
     task.startTask();
     QElapsedTimer timer;
     timer.start();

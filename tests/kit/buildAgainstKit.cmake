@@ -3,12 +3,17 @@
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE "${BUILD}")
+set(cross)
+if(TOOLCHAIN)
+    set(cross "-DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN}" "-DLUMIVANT_SYSROOT=${SYSROOT}")
+endif()
 execute_process(
     COMMAND "${CMAKE_COMMAND}" -S "${SOURCE}" -B "${BUILD}" -G "${GENERATOR}"
         "-DCMAKE_PREFIX_PATH=${KIT}"
         "-DCMAKE_CXX_COMPILER=${COMPILER}"
         "-DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}"
         "-DCMAKE_CXX_FLAGS=${FLAGS}"
+        ${cross}
         -DCMAKE_BUILD_TYPE=Debug
         -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
     OUTPUT_QUIET

@@ -163,7 +163,7 @@ private Q_SLOTS:
         large.fill(0);
         const QString path = m_cFolder.save(large, "large.png");
         BoxAnswer box;
-        const MemoryLimit limit(addressSpaceInUse() + 100 * MiB);
+        const MemoryLimit limit(100 * MiB);
         DlgLoadFile dialog(optionText(path, 0, 7), m_cStore.get(), nullptr);
         QCOMPARE(box.title(), QStringLiteral("警告"));
         QCOMPARE(box.text(), QStringLiteral("仅支持8位和24位."));

@@ -376,7 +376,7 @@ private slots:
             QSKIP("Memory cannot be limited under a sanitizer.");
         MemoryDisk* disk = MemoryDisk::getInstance(5);
         {
-            const MemoryLimit limit(400 << 20);
+            const MemoryLimit limit(100 << 20);
             for (int round = 0; round < 7; ++round)
                 QVERIFY(!ColourKind::add(disk, numberedBytes(24, 0), 20000, 20000));
         }
@@ -397,7 +397,7 @@ private slots:
         const unsigned char pixels[] = {7, 8};
         QVERIFY(slot.store(pixels, 2, 2, 1));
         {
-            const MemoryLimit limit(400 << 20);
+            const MemoryLimit limit(100 << 20);
             QVERIFY(!slot.store(pixels, 400000000, 20000, 20000));
         }
         QCOMPARE(slot.getWidth(), 0);

@@ -4,6 +4,7 @@
     checkSymbols.py LIBRARY LIST            says what differs; exits non-zero when anything does
     checkSymbols.py LIBRARY LIST --write    writes the list anew, after a deliberate addition
 """
+import os
 import re
 import subprocess
 import sys
@@ -21,7 +22,7 @@ def output_of(*command):
 
 def exported(library):
     """Mangled name -> kind, as nm names the kinds: T is an ordinary function, W a weak one."""
-    lines = output_of("nm", "-D", "--defined-only", library).split("\n")
+    lines = output_of(os.environ.get("NM", "nm"), "-D", "--defined-only", library).split("\n")
     return {fields[-1]: fields[-2] for fields in map(str.split, lines) if len(fields) > 1}
 
 

@@ -1,24 +1,16 @@
+#include "memoryLimit.h"
 #include "recordKinds.h"
 
 #include "paramStore/pictureLayout.h"
 
 #include <QtTest>
 
-#include <sys/resource.h>
-
 #include <cstring>
-#include <fstream>
 #include <limits>
 
 namespace {
 
 constexpr int Largest = std::numeric_limits<int>::max();
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool AddressSpaceIsSanitizers = true;
-#else
-constexpr bool AddressSpaceIsSanitizers = false;
-#endif
 
 /// One of the three picture kinds behind the operations that they share.
 struct Picture
@@ -45,14 +37,6 @@ Picture pictureOf(ArithmParamMgr* store, const QString& kind)
     }
     ParamGray16* record = store->getParamGray16(-1);
     return common(record, [record]() -> void* { return record->getGray16(); });
-}
-
-/// Bytes of address space in use, as the system counts them.
-rlim_t usedAddressSpace()
-{
-    rlim_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    return pages * 4096;
 }
 
 }  // namespace
@@ -269,25 +253,20 @@ void StorePicturesTest::emptyPictureKeepsItsMemoryForTheNext()
 
 void StorePicturesTest::lackOfMemoryMakesAnEmptyPicture()
 {
-    if (AddressSpaceIsSanitizers)
+    if (!MemoryLimit::works())
         QSKIP("A sanitizer's shadow memory does not fit the limit");
     QFETCH(QString, kind);
     const StoreGuard store;
     const Picture picture = pictureOf(store, kind);
     picture.resize(8, 8);
-    rlimit before{};
-    QCOMPARE(getrlimit(RLIMIT_AS, &before), 0);
-    const rlimit tight{usedAddressSpace() + (64U << 20U), before.rlim_max};
-    QCOMPARE(setrlimit(RLIMIT_AS, &tight), 0);
+    {
+        const MemoryLimit limit(64U << 20U);
+        picture.resize(20000, 30000);
+    }
 
-    picture.resize(20000, 30000);
-    const int width = picture.width();
-    const bool empty = !picture.buffer();
-    setrlimit(RLIMIT_AS, &before);
-
-    QCOMPARE(width, 0);
+    QCOMPARE(picture.width(), 0);
     QCOMPARE(picture.height(), 0);
-    QVERIFY(empty);
+    QVERIFY(!picture.buffer());
     picture.resize(8, 8);
     QCOMPARE(picture.width(), 8);
     QVERIFY(picture.buffer());

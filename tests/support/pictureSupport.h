@@ -13,8 +13,6 @@
 #include <cstring>
 #include <memory>
 
-#include <unistd.h>
-
 /// What the tests of loading and saving share.
 namespace PictureSupport {
 
@@ -30,15 +28,6 @@ inline Store makeStore()
 }
 
 constexpr std::size_t MiB = std::size_t{1024} * 1024;
-
-/// What a memory limit has to leave, in bytes.
-inline std::size_t addressSpaceInUse()
-{
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("no /proc/self/statm");
-    return file.readAll().split(' ').first().toULongLong() * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-}
 
 /// A 24-bit picture in which every byte tells its place.
 inline QImage numberedPicture(int width, int height)
