@@ -10,7 +10,6 @@
 int main(int argc, char* argv[])
 {
     MemoryArenas::limit();
-    MemoryArenas::limit();
     StartUp::preparePixels();
     BareScreen::prepare(argc, argv);
     QApplication application(argc, argv);
