@@ -26,6 +26,15 @@ qint64 pooledBytes()
     return static_cast<qint64>(PooledPixels::poolState().m_nFreeBytes);
 }
 
+/// Qt keeps up to 10 MiB of drawn buttons and boxes of every size that they ever had.
+void emptyPixmapCache()
+{
+    // Not by clear(): that forgets the numbers of the pictures, but not the names that led to them.
+    const int limit = QPixmapCache::cacheLimit();
+    QPixmapCache::setCacheLimit(0);
+    QPixmapCache::setCacheLimit(limit);
+}
+
 qint64 nowMs()
 {
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
@@ -78,7 +87,7 @@ qint64 leastOf(const QVector<SoakSample>& samples, int begin, int end, qint64 So
 
 SoakSample SoakSample::take()
 {
-    QPixmapCache::clear();  // Qt keeps up to 10 MiB of drawn buttons and boxes of every size that they ever had
+    emptyPixmapCache();
     malloc_trim(0);
     SoakSample sample;
     const QList<QByteArray> pages = fileText(QStringLiteral("/proc/self/statm")).split(' ');
@@ -134,7 +143,7 @@ QString SoakGrowth::countProblem() const
 
 QString SoakGrowth::memoryProblem() const
 {
-    constexpr qint64 MostAllocated = 256 * 1024;
+    constexpr qint64 MostAllocated = 128 * 1024;
     constexpr qint64 MostResident = 6 * 1024 * 1024;
     constexpr int FewestOfAThird = 2;
     const int begin = warmUp();
