@@ -63,7 +63,7 @@ QString written(const QByteArray& bytes, const char* suffix)
 bool isLarge(const QByteArray& file, const QString& path)
 {
     qint64 pixels = 0;
-    if (file.startsWith("GIF") && file.size() >= 10) {
+    if ((file.startsWith("GIF") || path.endsWith(QLatin1String(".gif"))) && file.size() >= 10) {
         pixels =
             qint64{qFromLittleEndian<quint16>(file.constData() + 6)} * qFromLittleEndian<quint16>(file.constData() + 8);
     } else {

@@ -62,12 +62,13 @@ bool openPicture(QFile& file)
 }
 
 /// Whether the canvas that a GIF is decoded onto is small enough: Qt makes it when it is asked for the size, and then
-/// tells that of the first frame. Its decoder goes by less than the whole magic.
+/// tells that of the first frame. It takes for a GIF what is called so, whatever the file begins with.
 bool hasReasonableCanvas(QFile& file)
 {
     const QByteArray header = file.peek(10);
+    const bool gif = header.startsWith("GIF") || file.fileName().endsWith(QLatin1String(".gif"), Qt::CaseInsensitive);
     const auto number = [&](int offset) { return qFromLittleEndian<quint16>(header.constData() + offset); };
-    return !header.startsWith("GIF") || (header.size() == 10 && isReasonable(QSize(number(6), number(8))));
+    return !gif || header.size() < 10 || qint64{number(6)} * number(8) <= PictureReader::MaxPixels;
 }
 
 /// The size of the first picture in an icon file: Qt tells what the list at its start says, and decodes what follows.

@@ -128,6 +128,7 @@ private Q_SLOTS:
         QTest::newRow("small gif on a huge canvas") << gif(9000, 9000) << "a.gif";
         QTest::newRow("small gif on a huge canvas, called png") << gif(9000, 9000) << "a.png";
         QTest::newRow("small gif of no known version on a huge canvas") << changed(gif(9000, 9000), 4, '?') << "a.gif";
+        QTest::newRow("what is only called gif, on a huge canvas") << changed(gif(9000, 9000), 2, '?') << "a.GIF";
         QTest::newRow("gif, half a header") << gif(5, 5).left(9) << "a.gif";
         QTest::newRow("small icon that is a huge png") << icon(hugeBlackAndWhitePng(8193, 8192)) << "a.ico";
         QTest::newRow("icon without a picture") << icon({}) << "a.ico";
@@ -164,6 +165,13 @@ private Q_SLOTS:
         const QImage picture = numberedPicture(40, 30);
         QCOMPARE(PictureReader::read(folder.save(picture, "b.ico")).size(), QSize(40, 30));
         QCOMPARE(PictureReader::read(folder.write(icon(encoded(picture, "png")), "c.ico")).size(), QSize(40, 30));
+    }
+
+    void pictureThatIsOnlyCalledGifIsRead()
+    {
+        const Folder folder;
+        const QByteArray bmp = encoded(numberedPicture(40, 30), "bmp");
+        QCOMPARE(PictureReader::read(folder.write(bmp, "a.gif")).size(), QSize(40, 30));
     }
 
     void hugeCanvasIsRefusedBeforeMemoryIsTaken()
