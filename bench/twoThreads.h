@@ -8,7 +8,7 @@
 /// Measures what one thread hands to another.
 namespace TwoThreads {
 
-constexpr int PicturesInARound = 48;
+constexpr int PicturesInARound = 24;
 
 /// Runs write and read that many times for each iteration, each on a thread of its own; the time is that of a picture.
 template <class Write, class Read>

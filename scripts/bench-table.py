@@ -1,100 +1,198 @@
 #!/usr/bin/env python3
-"""Prints one table from the JSON of the benchmarks and the lines of the window's measurement."""
+"""Prints one table: bench-table.py BENCH_JSON LINES…
+
+BENCH_JSON is what the benchmarks wrote, LINES are files of "name value" lines of the programs that measure by
+themselves. docs/performance.md explains each row.
+"""
 import json
 import sys
+from dataclasses import dataclass
+
+UNITS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+FRAME = 16e6  # ns
 
 
-def nanoseconds(run):
-    return run["real_time"] * {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]]
+@dataclass
+class Row:
+    """Times in ns unless the unit says otherwise; a goal is a number that the value may not exceed."""
+    question: str
+    ours: float
+    limit: float = None
+    peer: float = None
+    limit_goal: float = None  # ours / limit at most
+    peer_goal: float = None
+    most: float = None  # ours at most
+    spread: float = None
+    unit: str = "ns"
+
+    def met(self):
+        checks = [(self.most, self.ours), (self.limit_goal, ratio(self.ours, self.limit)),
+                  (self.peer_goal, ratio(self.ours, self.peer))]
+        known = [value <= goal for goal, value in checks if goal is not None and value is not None]
+        return all(known) if known else None
+
+    def goal(self):
+        parts = [f"at most {shown(self.most, self.unit)}"] if self.most is not None else []
+        for name, value in (("limit", self.limit_goal), ("peer", self.peer_goal)):
+            if value is not None:
+                parts.append(f"{value:.3g} of {name}")
+        return ", ".join(parts) or "-"
 
 
-def medians(path):
-    with open(path) as file:
-        runs = json.load(file)["benchmarks"]
-    return {run["run_name"]: nanoseconds(run) for run in runs if run.get("aggregate_name") == "median"}
+def ratio(ours, other):
+    return None if other is None else ours / other
 
 
-def shown(value):
-    for unit, size in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
-        if value >= size:
-            return f"{value / size:.3g} {unit}"
+def shown(value, unit="ns"):
+    if value is None:
+        return "-"
+    if unit != "ns":
+        return f"{value:.4g} {unit}".strip()
+    for name, size in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
+        if abs(value) >= size:
+            return f"{value / size:.3g} {name}"
     return f"{value:.3g} ns"
 
 
-def beside(time, name, ours, peer, limit):
-    """A row with a goal beside a peer; nothing where the peer is not installed."""
-    if peer in time:
-        yield name, time[ours], time[peer], f"at most {limit}", time[ours] / time[peer] <= limit
+class Times:
+    """Medians of the benchmarks by name, how far their repetitions lie apart, and what they counted."""
+
+    def __init__(self, path):
+        with open(path) as file:
+            runs = [run for run in json.load(file)["benchmarks"] if not run.get("error_occurred")]
+        self.median, self.spread, self.counted = {}, {}, {}
+        for run in runs:
+            name = run["run_name"].replace("/manual_time", "")
+            if run.get("aggregate_name") == "median":
+                self.median[name] = run["real_time"] * UNITS[run["time_unit"]]
+                self.counted[name] = run.get("bytes")
+            elif run.get("aggregate_name") == "cv":
+                self.spread[name] = run["real_time"]
+
+    def __getitem__(self, name):
+        return self.median.get(name)
+
+    def row(self, question, ours, limit=None, peer=None, **goals):
+        return Row(question, self[ours], self[limit] if limit else None, self[peer] if peer else None,
+                   spread=self.spread.get(ours), **goals)
+
+
+def step_rows(time):
+    call = time["emptyIndirectCall"]
+    steps = {length: (time[f"pass/51/{length}"] - time["pass/1/20"]) / 50 for length in (20, 200, 2000)}
+    for length in (20, 200):
+        yield Row(f"engine's part of a step, {length} characters, above the call", steps[length] - call, call, most=20)
+    yield Row("the same, 200 characters above 20", steps[200] - steps[20], most=5)
+    yield Row("the same, 2000 characters, above the call", steps[2000] - call, call)
+    yield time.row("pass over 51 steps that do nothing / GStreamer, 50 identities", "pass/51/20",
+                   peer="identityChain/50", peer_goal=1 / 6)
+
+
+def hand_off_rows(time):
+    yield time.row("picture from thread to thread, full HD", "handOff/1920/1080", "twoPlainCopies/1920/1080",
+                   "appSourceToAppSink/1920/1080", limit_goal=1 / 0.95, peer_goal=1)
+    yield time.row("picture from thread to thread, 4096x3000", "handOff/4096/3000", "twoPlainCopies/4096/3000",
+                   "appSourceToAppSink/4096/3000", peer_goal=1 / 3)
+    yield time.row("bare hand-off", "bareHandOff", most=5000)
+
+
+def drawing_rows(time):
+    yield time.row("full HD colour onto 960x540 / exchange and painter", "drawOption/0", peer="drawByPainter",
+                   peer_goal=0.2)
+    yield time.row("full HD colour onto 960x540 / OpenCV, no exchange", "drawOption/0", peer="resizeByOpenCv",
+                   peer_goal=1)
+    for kind, name in ((1, "grey"), (2, "overlay in grey"), (3, "overlay in blocks"), (4, "mask")):
+        yield time.row(f"full HD {name} / colour, copy included", f"drawPicture/{kind}", peer="drawPicture/0",
+                       peer_goal=1)
 
 
 def pixel_rows(time):
     for name, ours in (("in place", "exchangeInPlace"), ("while copying", "exchangeCopying")):
-        yield from beside(time, f"exchange of blue and red {name} / copy", ours, "copyColour", 1)
-        yield from beside(time, f"exchange of blue and red {name} / OpenCV", ours, "exchangeByOpenCv/0", 1)
+        yield time.row(f"exchange of blue and red {name} / copy, OpenCV", ours, "copyColour", "exchangeByOpenCv/0",
+                       limit_goal=1, peer_goal=1)
     for kind, name in enumerate(("any colours", "pure greys")):
-        yield from beside(time, f"grey of full HD, {name} / double loop", f"greyOfRgb/{kind}", f"greyByDoubles/{kind}", 1)
-        yield from beside(time, f"grey of full HD, {name} / OpenCV", f"greyOfRgb/{kind}", f"greyByOpenCv/{kind}", 1)
-    yield from beside(time, "grey to three bytes / OpenCV", "rgbOfGrey", "rgbOfGreyByOpenCv/0", 1)
+        yield time.row(f"grey of full HD, {name} / OpenCV", f"greyOfRgb/{kind}", peer=f"greyByOpenCv/{kind}",
+                       peer_goal=1)
+        yield time.row(f"grey of full HD, {name} / double loop", f"greyOfRgb/{kind}", peer=f"greyByDoubles/{kind}")
+    yield time.row("grey to three bytes / OpenCV", "rgbOfGrey", peer="rgbOfGreyByOpenCv/0", peer_goal=1)
 
 
-def drawing_rows(time):
-    colour = time["drawOption/0"]
-    yield "full HD colour onto 960x540 / exchange and painter", colour, time["drawByPainter"], "at most 0.2", \
-        colour / time["drawByPainter"] <= 0.2
-    yield from beside(time, "full HD colour onto 960x540 / OpenCV, no exchange", "drawOption/0", "resizeByOpenCv", 1)
-    for kind, name in ((1, "grey"), (2, "overlay in grey"), (3, "overlay in blocks"), (4, "mask")):
-        yield f"full HD {name} / colour, copy included", time[f"drawPicture/{kind}"], time["drawPicture/0"], \
-            "at most 1", time[f"drawPicture/{kind}"] <= time["drawPicture/0"]
-        yield f"full HD {name} / colour, window's part", time[f"drawOption/{kind}"], colour, "-", None
+def file_rows(time):
+    goals = {"JPG": (1, 1), "PNG": (None, 1.2), "BMP": (1.1, 1.1)}
+    for number, name in enumerate(goals):
+        load, save = goals[name]
+        for grey, kind in enumerate(("colour", "grey")):
+            ours = f"loadByStep/{number}/{grey}"
+            yield time.row(f"loading a full HD {name} as {kind} / OpenCV", ours, peer=f"loadByOpenCv/{number}/{grey}",
+                           peer_goal=load)
+            yield time.row(f"loading a full HD {name} as {kind} / QImage", ours, peer=f"loadByQt/{number}")
+        yield time.row(f"saving a full HD {name} / OpenCV", f"saveByStep/{number}", peer=f"saveByOpenCv/{number}",
+                       peer_goal=save)
+        yield time.row(f"saving a full HD {name} / QImage", f"saveByStep/{number}", peer=f"saveByQt/{number}")
+    yield time.row("loading a full HD PNG as colour / libpng", "loadByStep/1/0", peer="loadPngByLibpng", peer_goal=1.05)
+    yield Row("size of a saved full HD PNG / QImage", time.counted["saveByStep/1"], peer=time.counted["saveByQt/1"],
+              peer_goal=1.1, unit="bytes")
 
 
-def rows(time, window):
-    step = (time["pass/51/20"] - time["pass/1/20"]) / 50
-    long_step = (time["pass/51/200"] - time["pass/1/20"]) / 50
-    call = time["emptyIndirectCall"]
-    yield "step that does nothing, 20 characters of option", step, call, "below 1 us", step < 1000
-    yield "step that does nothing, 200 characters of option", long_step, call, "below 1 us", long_step < 1000
-    copies = time["twoPlainCopies"]
-    yield "full HD through a memory disk / two copies", time["handOff"], copies, "at most 1.25", \
-        time["handOff"] / copies <= 1.25
-    yield "bare hand-off / empty call", time["bareHandOff"], call, "at most 5 us", time["bareHandOff"] <= 5000
-    opened = time["openProject/100000"]
-    yield "opening 100,000 steps / 10,000", opened, time["openProject/10000"], "about 10 (at most 15)", \
-        opened / time["openProject/10000"] <= 15
-    written = time["writeProject/100000"]
-    yield "writing 100,000 steps / 10,000", written, time["writeProject/10000"], "about 10 (at most 15)", \
-        written / time["writeProject/10000"] <= 15
-    yield from drawing_rows(time)
-    yield from pixel_rows(time)
+def text_rows(time):
+    for name, what in (("openProject", "opening"), ("writeProject", "writing")):
+        for steps in (10000, 100000):
+            per_step = time[f"{name}/{steps}"] / steps
+            yield Row(f"{what} {steps:,} steps, each", per_step, most=500, spread=time.spread.get(f"{name}/{steps}"))
+
+
+def window_rows(time):
     for number, name in enumerate(("memory disk", "drawing", "saving", "loading")):
         parts = time[f"prepareConfig/{number}"] + time[f"showConfig/{number}"]
-        opened = time[f"openConfig/{number}"]
-        yield f"{name} window opened / preparing run + window alone", opened, parts, "at most 1.1", opened / parts <= 1.1
-    for number, name in enumerate(("JPG", "PNG", "BMP")):
-        for grey, kind in enumerate(("colour", "grey")):
-            yield f"loading a full HD {name} as {kind} / QImage", time[f"loadByStep/{number}/{grey}"], \
-                time[f"loadByQt/{number}"], "-", None
-            yield from beside(time, f"loading a full HD {name} as {kind} / OpenCV", f"loadByStep/{number}/{grey}",
-                              f"loadByOpenCv/{number}/{grey}", 1 if name == "JPG" else 1.1)
-        yield f"saving a full HD {name} / QImage", time[f"saveByStep/{number}"], time[f"saveByQt/{number}"], "-", None
-        yield from beside(time, f"saving a full HD {name} / OpenCV", f"saveByStep/{number}", f"saveByOpenCv/{number}",
-                          {"JPG": 1, "PNG": 1.2, "BMP": 1.1}[name])
-    frame = 16e6
-    yield "window away, 99th percentile / a frame", window["p99_ms"] * 1e6, frame, "at most 1", \
-        window["p99_ms"] <= 16
-    yield "window away, longest / a frame", window["longest_ms"] * 1e6, frame, "-", None
-    yield "window's own work, longest / a frame", window["work_longest_ms"] * 1e6, frame, "at most 1", \
-        window["work_longest_ms"] <= 16
+        yield Row(f"{name} window opened / preparing run + window alone", time[f"openConfig/{number}"], parts,
+                  limit_goal=1.1, spread=time.spread.get(f"openConfig/{number}"))
+
+
+def start_rows(lines):
+    yield Row("start to shown window, no plug-ins / bare window", lines["workbench_ms"] * 1e6, lines["bare_ms"] * 1e6,
+              limit_goal=2)
+    yield Row("most memory until then / bare window", lines["workbench_bytes"] / 2**20, lines["bare_bytes"] / 2**20,
+              limit_goal=2, unit="MiB")
+    added = (lines["plugins_ms"] - lines["workbench_ms"]) / lines["plugin_count"]
+    yield Row("each plug-in of the pack adds", added * 1e6, most=5e6)
+
+
+def task_rows(lines):
+    counts = sorted(int(name.split("_")[1]) for name in lines if name.startswith("passes_"))
+    busy = {count: lines[f"passes_{count}"] for count in counts if count > 1}
+    best = max(busy.values())
+    worst = min(busy, key=busy.get)
+    yield Row(f"best passes a second of 2 to 64 tasks / fewest ({worst} tasks)", best, busy[worst], limit_goal=1 / 0.9,
+              unit="")
+    pictures = (lines["resident_64"] - lines["resident_2"]) / 62 / lines["picture"]
+    yield Row("pictures that a task adds to the memory (it holds 2)", pictures, 2, limit_goal=1.05, unit="")
+    yield Row("window's work a second for four hidden views", lines["hidden_ms"] * 1e6, most=5e6)
+    yield Row("window away, 99th percentile / a frame", lines["p99_ms"] * 1e6, FRAME, limit_goal=1)
+    yield Row("window away, longest / a frame", lines["longest_ms"] * 1e6, FRAME)
+    yield Row("window's own work, longest / a frame", lines["work_longest_ms"] * 1e6, FRAME, limit_goal=1)
+
+
+def read_lines(paths):
+    values = {}
+    for path in paths:
+        with open(path) as file:
+            values.update((name, float(value)) for name, value in (line.split() for line in file if line.strip()))
+    return values
 
 
 def main():
-    time = medians(sys.argv[1])
-    with open(sys.argv[2]) as file:
-        window = {name: float(value) for name, value in (line.split() for line in file if line.strip())}
-    print(f"{'question':<50} {'ours':>10} {'beside':>10} {'ratio':>8}  {'goal':<22} met")
-    for question, ours, beside, goal, met in rows(time, window):
-        word = "-" if met is None else "yes" if met else "NO"
-        print(f"{question:<50} {shown(ours):>10} {shown(beside):>10} {ours / beside:>8.2f}  {goal:<22} {word}")
+    time, lines = Times(sys.argv[1]), read_lines(sys.argv[2:])
+    rows = [*step_rows(time), *hand_off_rows(time), *drawing_rows(time), *pixel_rows(time), *file_rows(time),
+            *text_rows(time), *window_rows(time), *start_rows(lines), *task_rows(lines)]
+    print(f"{'question':<64} {'ours':>10} {'limit':>10} {'peer':>10} {'/limit':>7} {'/peer':>7} {'spread':>6}  "
+          f"{'goal':<28} met")
+    for row in rows:
+        ratios = [f"{value:.2f}" if value is not None else "-"
+                  for value in (ratio(row.ours, row.limit), ratio(row.ours, row.peer))]
+        spread = "-" if row.spread is None else f"{100 * row.spread:.0f} %"
+        word = {None: "-", True: "yes", False: "NO"}[row.met()]
+        print(f"{row.question:<64} {shown(row.ours, row.unit):>10} {shown(row.limit, row.unit):>10} "
+              f"{shown(row.peer, row.unit):>10} {ratios[0]:>7} {ratios[1]:>7} {spread:>6}  {row.goal():<28} {word}")
 
 
 if __name__ == "__main__":
