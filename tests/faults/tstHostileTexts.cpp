@@ -14,6 +14,7 @@ private Q_SLOTS:
     void initTestCase();
     void textsOfTheLibraryAreReadAsFarAsTheyAreText();
     void hugeErrorIsShownInABoxThatFitsTheScreen();
+    void errorOfManyLinesIsShownAsThirtyOfThem();
     void hugePrintsLeaveTheWindowAlive();
     void hugeStopTextEndsTheTask();
     void errorThatIsNoTextIsShownAsFarAsItIs();
@@ -44,6 +45,7 @@ void tstHostileTexts::initTestCase()
     PluginFolders::clear();
     PluginFolders::addBase(QStringLiteral("algorithmHostile"));
     PluginFolders::addBase(QStringLiteral("algorithmNull"));
+    PluginFolders::addBase(QStringLiteral("algorithmEcho"));
     PluginFolders::addSource(QStringLiteral("sourceScripted"));
     PluginFolders::addSource(QStringLiteral("sourceNull"));
 }
@@ -69,8 +71,8 @@ void tstHostileTexts::open(WindowFixture& fixture, const QByteArray& task)
 void tstHostileTexts::textsOfTheLibraryAreReadAsFarAsTheyAreText()
 {
     const QStringList classes = ArithmMgr::getInstance()->getArithmClassNames();
-    QCOMPARE(classes.size(), 3);  // 系统, that of the hostile one, the empty one of null
-    const QString hostile = classes.at(1).isEmpty() ? classes.at(2) : classes.at(1);
+    QCOMPARE(classes.size(), 4);  // 系统, Test of the echo, that of the hostile one, the empty one of null
+    const QString hostile = classes.filter(QStringLiteral(" class")).value(0);
     QVERIFY(hostile.endsWith(QStringLiteral(" class")));
     QCOMPARE(ArithmMgr::getInstance()->getArithmNames(hostile).value(0).size(), 2 * 1024 * 1024);
 }
@@ -100,6 +102,26 @@ void tstHostileTexts::hugeErrorIsShownInABoxThatFitsTheScreen()
     QVERIFY2(size.width() <= screen.width() && size.height() <= screen.height(),
              qPrintable(QStringLiteral("%1 x %2").arg(size.width()).arg(size.height())));
     QTRY_VERIFY(!TaskMgr::getInstance()->getTask(0)->IsRunning());
+}
+
+void tstHostileTexts::errorOfManyLinesIsShownAsThirtyOfThem()
+{
+    QByteArray lines;
+    for (int i = 1; i <= 100; ++i)
+        lines += QByteArray::number(i) + '\n';
+    QString shown = QStringLiteral("算法\"short\"出错, 错误信息:1");
+    for (int i = 2; i <= 30; ++i)
+        shown += QStringLiteral("\n%1").arg(i);
+    shown += QChar(0x2026);
+    WindowFixture fixture;
+    open(fixture, taskText("Test Scripted", "Test.Echo", lines));
+    ModalDriver driver;
+    driver.box(QMessageBox::Ok);
+
+    fixture.runButton(0)->click();
+    QTRY_VERIFY(driver.done());
+
+    QCOMPARE(driver.m_lstBoxes.at(0).m_strText, shown);
 }
 
 void tstHostileTexts::hugePrintsLeaveTheWindowAlive()

@@ -258,6 +258,23 @@ private Q_SLOTS:
         QTEST(PictureReader::read(folder.write(bytes, "odd.bmp")).size(), "size");
     }
 
+    void runLengthEncodedBitmapIsRead()
+    {
+        const Folder folder;
+        // 4 x 2 pixels of 8 bits, the lower row white, the upper one black.
+        const QByteArray bytes = QByteArray::fromHex(
+            "424d48000000000000003e000000"
+            "28000000040000000200000001000800010000000a000000130b0000130b00000200000000000000"
+            "00000000ffffff00"
+            "04010000040000000001");
+        const QImage picture = PictureReader::read(folder.write(bytes, "a.bmp"));
+        QCOMPARE(picture.size(), QSize(4, 2));
+        for (int x = 0; x < 4; ++x) {
+            QCOMPARE(picture.pixel(x, 0), 0xFF000000);
+            QCOMPARE(picture.pixel(x, 1), 0xFFFFFFFF);
+        }
+    }
+
     void torsosOfEveryLengthNeverCrash()
     {
         const Folder folder;
