@@ -29,6 +29,62 @@ AVX2_INLINE void store(unsigned char* bytes, __m256i value)
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), value);
 }
 
+AVX2_INLINE __m256i load(const unsigned char* bytes)
+{
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
+}
+
+/// Where the bytes of a register of exchanged pixels come from: those near the lower end of each half from the register
+/// that starts two bytes before, the others from the one that starts two bytes behind it.
+struct ExchangePlaces
+{
+    alignas(32) std::array<char, 32> m_achBefore{};
+    alignas(32) std::array<char, 32> m_achBehind{};
+};
+
+constexpr ExchangePlaces exchangePlaces(int start)
+{
+    ExchangePlaces places;
+    for (int i = 0; i < 32; ++i) {
+        const int ofPixel = (start + i) % 3;
+        const int from = i % 16 + (ofPixel == 0 ? 2 : ofPixel == 2 ? -2 : 0);
+        places.m_achBefore[static_cast<std::size_t>(i)] = static_cast<char>(from < 14 ? from + 2 : Z);
+        places.m_achBehind[static_cast<std::size_t>(i)] = static_cast<char>(from < 14 ? Z : from - 2);
+    }
+    return places;
+}
+
+template <int Start>
+AVX2_INLINE __m256i exchanged(__m256i before, __m256i behind)
+{
+    static constexpr ExchangePlaces Places = exchangePlaces(Start);
+    const auto* placesBefore = reinterpret_cast<const __m256i*>(Places.m_achBefore.data());
+    const auto* placesBehind = reinterpret_cast<const __m256i*>(Places.m_achBehind.data());
+    return _mm256_or_si256(_mm256_shuffle_epi8(before, _mm256_load_si256(placesBefore)),
+                           _mm256_shuffle_epi8(behind, _mm256_load_si256(placesBehind)));
+}
+
+AVX2 void exchange(const unsigned char* source, unsigned char* target, std::size_t count)
+{
+    constexpr std::size_t Block = 3 * Step;  // bytes
+    constexpr std::size_t Ahead = 11;        // pixels behind a block that it reads, too
+    if (count >= Step + Ahead) {
+        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
+        const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + 14));
+        __m256i before = _mm256_set_m128i(second, _mm_slli_si128(first, 2));  // what is before the first is not read
+        for (; count >= Step + Ahead; count -= Step, source += Block, target += Block) {
+            const __m256i a = exchanged<0>(before, load(source + 2));
+            const __m256i b = exchanged<32>(load(source + 30), load(source + 34));
+            const __m256i c = exchanged<64>(load(source + 62), load(source + 66));
+            before = load(source + Block - 2);  // in place this block is about to be overwritten
+            store(target, a);
+            store(target + 32, b);
+            store(target + 64, c);
+        }
+    }
+    PixelKernels::ssse3()->m_pfnExchange(source, target, count);
+}
+
 AVX2 void rgbOfGrey(const unsigned char* grey, unsigned char* rgb, std::size_t count)
 {
     const __m128i first = _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5);
@@ -182,9 +238,8 @@ const PixelKernels* PixelKernels::avx2()
 {
     if (!__builtin_cpu_supports("avx2") || !ssse3())
         return nullptr;
-    // Exchange and dropping of the fourth byte wait for memory already.
-    static const PixelKernels kernels{"avx2",     ssse3()->m_pfnExchange,  greyOfRgb,
-                                      greyOfBgrx, ssse3()->m_pfnRgbOfBgrx, rgbOfGrey};
+    // Dropping of the fourth byte waits for memory already.
+    static const PixelKernels kernels{"avx2", exchange, greyOfRgb, greyOfBgrx, ssse3()->m_pfnRgbOfBgrx, rgbOfGrey};
     return &kernels;
 }
 
