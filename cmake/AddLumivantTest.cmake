@@ -15,6 +15,7 @@ set(LUMIVANT_TEST_ENV
 set(LUMIVANT_TEST_TIMEOUT 300)
 if(LUMIVANT_SANITIZE)
     set(LUMIVANT_TEST_TIMEOUT 1500)
+    list(APPEND LUMIVANT_TEST_ENV "QTEST_FUNCTION_TIMEOUT=1400000")  # milliseconds; Qt's own limit is 300 s
 endif()
 # An emulator is slow, too, and a test that starts itself once more needs it for that.
 if(CMAKE_CROSSCOMPILING)
