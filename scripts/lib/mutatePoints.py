@@ -54,6 +54,7 @@ class Mutation:
     kind: str
     shown: str  # "original → changed"
     source: str  # The whole original line, stripped: what stays when lines move.
+    above: str  # The line above it, stripped.
 
 
 def tokens_of(text):
@@ -86,8 +87,9 @@ class Finder:
         begin = self.text.rfind("\n", 0, start) + 1
         close = self.text.find("\n", start)
         before = " ".join(self.text[start:end].split())
+        above = self.text[:max(begin - 1, 0)].rpartition("\n")[2].strip()
         self.found.append(Mutation(self.name, self.text.count("\n", 0, start) + 1, start, end, put, kind,
-                                   shown or f"{before} → {put or 'nothing'}", self.text[begin:close].strip()))
+                                   shown or f"{before} → {put or 'nothing'}", self.text[begin:close].strip(), above))
 
     def _replace(self, token, put, kind):
         self._add(token.start, token.end, put, kind)

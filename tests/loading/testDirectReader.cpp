@@ -174,6 +174,12 @@ private Q_SLOTS:
         QByteArray compressed = bmp;
         put32(compressed, 30, 1);
         QTest::newRow("bitmap of another compression") << compressed << "bmp";
+        QByteArray inside = bytesOf(folder.save(mixedPicture(QImage::Format_Indexed8, 40, 30), "b.bmp"));
+        put32(inside, 10, 54 + 1023);
+        QTest::newRow("bitmap whose pixels begin inside its palette") << inside << "bmp";
+        QByteArray early = bmp;
+        put32(early, 10, 53);
+        QTest::newRow("bitmap whose pixels begin inside its header") << early << "bmp";
         QByteArray damaged = png;
         damaged[png.size() / 2] = static_cast<char>(damaged.at(png.size() / 2) ^ 0x55);
         QTest::newRow("png with a wrong byte") << damaged << "png";

@@ -66,6 +66,8 @@ private Q_SLOTS:
     void modifyingAStepOfAMissingAlgorithmIsRefused();
     void deletingAsksFirst();
     void deletingRemovesStepAndRow();
+    void deletingReachesTheFirstAndTheLastStep();
+    void deletingAnotherRowKeepsThePressedCell();
     void deletingNeedsASelection();
     void deletingARowWithoutAStepDoesNothing();
     void taskMayBeDeletedWhileABoxIsShown();
@@ -454,6 +456,39 @@ void tstEditing::deletingRemovesStepAndRow()
     QCOMPARE(tab.m_pcTable->rowCount(), 2);
     QCOMPARE(tab.cell(0, 0), QStringLiteral("Probe"));
     QCOMPARE(tab.cell(1, 0), QStringLiteral("Probe"));
+}
+
+void tstEditing::deletingReachesTheFirstAndTheLastStep()
+{
+    auto task = makeTask(steps("abc"));
+    const Tab tab(*task);
+    const BoxAnswer answer(QMessageBox::Yes);
+
+    selectRow(tab, 0);
+    task->delArithm();
+    QCOMPARE(options(*task), QStringList({QStringLiteral("b|"), QStringLiteral("c|")}));
+
+    selectRow(tab, 1);
+    task->delArithm();
+    QCOMPARE(options(*task), QStringList{QStringLiteral("b|")});
+    QCOMPARE(tab.m_pcTable->rowCount(), 1);
+}
+
+void tstEditing::deletingAnotherRowKeepsThePressedCell()
+{
+    auto task = makeTask(steps("abc"));
+    const Tab tab(*task);
+    QTableWidgetItem* pressed = tab.m_pcTable->item(2, 0);
+    selectRow(tab, 2);
+    task->TableItemClicked(pressed);
+    selectRow(tab, 0);
+    const BoxAnswer answer(QMessageBox::Yes);
+    task->delArithm();
+    selectRow(tab, 1);
+
+    task->TableItemClicked(pressed);  // again: takes the selection back
+
+    QVERIFY(tab.m_pcTable->selectedItems().isEmpty());
 }
 
 void tstEditing::deletingNeedsASelection()

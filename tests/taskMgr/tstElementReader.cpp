@@ -176,6 +176,7 @@ void tstElementReader::textEndsAtTheFirstNul()
     QCOMPARE(ProjectText::upToNul(QStringLiteral("ab")), QStringLiteral("ab"));
     QCOMPARE(ProjectText::upToNul(QStringLiteral("a") + QChar(0) + QStringLiteral("b") + QChar(0)),
              QStringLiteral("a"));
+    QCOMPARE(ProjectText::upToNul(QChar(0) + QStringLiteral("b")), QString());
     QCOMPARE(ProjectText::upToNul(QString()), QString());
 }
 

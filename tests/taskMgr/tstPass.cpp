@@ -75,6 +75,7 @@ private Q_SLOTS:
     void lastStepEndsThePass();
     void lastStepBehindTheListEndsAtItsEnd();
     void timeOutIsSeenBeforeTheNextStep();
+    void timeOutOfNothingIsOver();
     void waitingForThePictureCountsForTheTimeOut();
     void endlessLoopTimesOut();
     void timesAreShownWhereCountersAreReset();
@@ -88,6 +89,7 @@ private Q_SLOTS:
     void changedViewIsUsedInTheNextPass();
     void viewIsClampedAndStoredBackWhenADrawingStepRuns_data();
     void viewIsClampedAndStoredBackWhenADrawingStepRuns();
+    void viewOfTheTaskComesBeforeThatOfTheOption();
     void viewStaysWhereNoDrawingStepRuns();
     void endOfTaskDrawingGetsNoView();
     void impostorOfTheDrawingIdentifierIsNotReached();
@@ -287,6 +289,17 @@ void tstPass::timeOutIsSeenBeforeTheNextStep()
     QCOMPARE(Probes::trace(), QStringLiteral("b"));
 }
 
+void tstPass::timeOutOfNothingIsOver()
+{
+    auto task = makeTask({slowStep(20), step("b")});
+    QString message;
+
+    QVERIFY(!task->runOnce(message, true, -1, 0));
+
+    QCOMPARE(message, QString::fromUtf8(TimeOutText));
+    QCOMPARE(Probes::trace(), QString());
+}
+
 void tstPass::waitingForThePictureCountsForTheTimeOut()
 {
     auto task = makeTask({step("a")}, QStringLiteral("wait=60"));
@@ -466,6 +479,16 @@ void tstPass::viewIsClampedAndStoredBackWhenADrawingStepRuns()
 
     QCOMPARE(task->getView(), clamped);
     QCOMPARE(queuedFor(clamped), 1);
+}
+
+void tstPass::viewOfTheTaskComesBeforeThatOfTheOption()
+{
+    auto task = makeTask({drawingStep("<View>1</View><DataType>3</DataType><DataID>5</DataID>")});
+
+    QVERIFY(pass(*task));
+
+    QCOMPARE(queuedFor(0), 1);
+    QCOMPARE(queuedFor(1), 0);
 }
 
 void tstPass::viewStaysWhereNoDrawingStepRuns()

@@ -159,6 +159,9 @@ void tstProjectText::projectHoldsTasksInAscendingIds()
 
 void tstProjectText::projectWithoutTasksIsEmpty()
 {
+    TaskMgr::getInstance()->addTask(nullptr, 0);
+
+    QVERIFY(!TaskMgr::getInstance()->getTask(0));
     QCOMPARE(TaskMgr::getInstance()->toString(), QString());
 }
 

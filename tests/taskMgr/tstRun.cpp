@@ -1,3 +1,4 @@
+#include "processMemory.h"
 #include "taskMgr/taskMgr.h"
 #include "taskTestSupport.h"
 
@@ -146,6 +147,8 @@ private Q_SLOTS:
     void signalTellsHowTheRunEnded();
     void reportCalledByHandReturnsTheTabToIdle();
     void passesAreLoggedOnlyWhereAskedFor();
+    void passAfterAStopRunsWhole();
+    void endedRunsGiveTheirStacksBack();
 };
 
 void tstRun::initTestCase()
@@ -539,8 +542,41 @@ void tstRun::passesAreLoggedOnlyWhereAskedFor()
     QLoggingCategory::setFilterRules(QStringLiteral("lumivant.run.info=true"));
     task = makeTask({step("a")}, QStringLiteral("count=3;wait=2"));
     QVERIFY(run());
+    task->runTaskOnce();
     QLoggingCategory::setFilterRules(QString());
-    QCOMPARE(Log::lines(), QStringList{QStringLiteral("task \"task\": 3 passes")});
+    QCOMPARE(Log::lines(),
+             (QStringList{QStringLiteral("task \"task\": 3 passes"), QStringLiteral("task \"task\": 0 passes")}));
+}
+
+void tstRun::passAfterAStopRunsWhole()
+{
+    auto task = makeTask({step("a"), step("b")}, Paced);
+    task->startTask();
+    task->stopTask();
+    Probes::reset();
+    QString message;
+
+    QVERIFY(task->runOnce(message, true, -1, 10000));
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b"));
+}
+
+void tstRun::endedRunsGiveTheirStacksBack()
+{
+    auto task = makeTask({step("a")}, Paced);
+    const auto runs = [&task](int number) {
+        for (int i = 0; i < number; ++i) {
+            task->startTask();
+            task->stopTask();
+        }
+    };
+    runs(10);
+    const long before = addressSpaceBytes();
+
+    runs(40);
+
+    // The stack of a thread takes 8 MB; the library keeps a few for the next.
+    QVERIFY(addressSpaceBytes() - before < 100L * 1024 * 1024);
 }
 
 QTEST_MAIN(tstRun)

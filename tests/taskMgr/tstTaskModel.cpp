@@ -47,6 +47,8 @@ private Q_SLOTS:
     void rowShowsDescribeOrNameAndAReadOnlyTime();
     void rowsFilledByTheProgramAreNoEdits();
     void cancelledSourceChoiceChangesNothing();
+    void textWithoutASourceKeepsTheOneThatIsThere();
+    void taskMayBeDeletedWhileItsSourceIsChosen();
     void chosenSourceReplacesTheOldOneAndItsText();
     void deletingATaskRemovesItsSourceInstance();
     void deletedTaskGivesItsPicturesBack();
@@ -136,6 +138,11 @@ void tstTaskModel::combosFollowWhatTheTaskHolds()
 
     QCOMPARE(tab.m_cViews.currentIndex(), 3);
     QCOMPARE(tab.m_cThreads.currentIndex(), 2);
+    task.ViewSelected(1);
+    task.ThreadSelected(1);
+    const Tab second(task);
+    QCOMPARE(second.m_cViews.currentIndex(), 1);
+    QCOMPARE(second.m_cThreads.currentIndex(), 1);
 }
 
 void tstTaskModel::combosStayWhereTheTaskHoldsTheFirstEntry()
@@ -327,9 +334,39 @@ void tstTaskModel::cancelledSourceChoiceChangesNothing()
     QCOMPARE(task->getDataSourceConfig(), config);
 }
 
+void tstTaskModel::textWithoutASourceKeepsTheOneThatIsThere()
+{
+    auto task = makeTask({});
+    const auto* instance = task->getDataSourceInstance();
+    QVERIFY(instance);
+
+    task->fromString(QStringLiteral("<-Kernel->1</-Kernel-><-View->0</-View->"));
+
+    QCOMPARE(task->getDataSourceInstance(), instance);
+    QCOMPARE(task->getDataSourceConfig(), QString());
+}
+
+void tstTaskModel::taskMayBeDeletedWhileItsSourceIsChosen()
+{
+    QPointer<TaskInfo> task = makeTask({}).release();
+    QTimer user;
+    connect(&user, &QTimer::timeout, this, [&task] {
+        if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+            delete task;
+            dialog->reject();
+        }
+    });
+    user.start(5);
+
+    task->DataSourceClicked();
+
+    QVERIFY(!task);
+}
+
 void tstTaskModel::chosenSourceReplacesTheOldOneAndItsText()
 {
     auto task = makeTask({});
+    Tab tab(*task);
     const auto* old = task->getDataSourceInstance();
     const DialogDriver::InDialog<QDialog> user([](QDialog& dialog) {
         auto* kinds = DialogDriver::child<QListWidget>(dialog, "lbSourceNames");
@@ -340,7 +377,7 @@ void tstTaskModel::chosenSourceReplacesTheOldOneAndItsText()
         DialogDriver::click(dialog, "btnOK");
     });
 
-    task->DataSourceClicked();
+    tab.m_cSource.click();
 
     QVERIFY(user.came());
     QVERIFY(task->getDataSourceInstance());
