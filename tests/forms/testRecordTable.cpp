@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QToolTip>
 
 using namespace DialogDriver;
@@ -95,6 +96,23 @@ private Q_SLOTS:
         QVERIFY(!isInView(40));
         table.selectRow(40);
         QVERIFY(isInView(40));
+    }
+
+    void selectedRowKeepsItsFirstColumnInView()
+    {
+        m_cStore->getParamDIB(1)->setName(QStringLiteral("name"));
+        RecordTable table(m_pcTable.get());
+        table.fill(m_cStore->requestParamDIBMap());
+        m_pcTable->show();
+        m_pcTable->setColumnWidth(0, 500);
+        table.selectRow(0);
+        QCOMPARE(m_pcTable->horizontalScrollBar()->value(), 0);
+    }
+
+    void rowsAlternateInColour()
+    {
+        const RecordTable table(m_pcTable.get());
+        QVERIFY(m_pcTable->alternatingRowColors());
     }
 
     void clickOnAHeaderSortsNothing()

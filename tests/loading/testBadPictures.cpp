@@ -36,6 +36,15 @@ QByteArray bitmap(qint32 width, qint32 height, quint16 bits, quint32 compression
     return bytes + QByteArray(pixelBytes, '\x40');
 }
 
+/// Two rows of 200 equal pixels, each in four bytes: the file is shorter than its pixels.
+QByteArray runLengthBitmap()
+{
+    constexpr quint32 PixelsAt = 54 + 1024;
+    QByteArray bytes = bitmap(200, 2, 8, 1, 0) + QByteArray(1024, '\x30');
+    qToLittleEndian<quint32>(PixelsAt, bytes.data() + 10);
+    return bytes + QByteArray("\xC8\x05\0\0\xC8\x05\0\0\0\x01", 10);
+}
+
 QByteArray hugeBlackAndWhitePng(int width, int height)
 {
     QImage picture(width, height, QImage::Format_Mono);
@@ -245,6 +254,7 @@ private Q_SLOTS:
         QTest::addColumn<QSize>("size");
         const QByteArray jpg = encoded(numberedPicture(40, 30), "jpg");
         QTest::newRow("top-down bitmap") << bitmap(4, -3, 24, 0, 36) << QSize(4, 3);
+        QTest::newRow("bitmap of runs, shorter than its pixels") << runLengthBitmap() << QSize(200, 2);
         QTest::newRow("bitmap with bytes behind it") << bitmap(4, 3, 24, 0, 99) << QSize(4, 3);
         QTest::newRow("jpg with bytes behind it") << jpg + QByteArray(500, 'x') << QSize(40, 30);
         QTest::newRow("two jpgs in one file") << jpg + jpg << QSize(40, 30);
