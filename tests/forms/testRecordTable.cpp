@@ -105,6 +105,7 @@ private Q_SLOTS:
         table.fill(m_cStore->requestParamDIBMap());
         m_pcTable->show();
         m_pcTable->setColumnWidth(0, 500);
+        QTRY_VERIFY(m_pcTable->horizontalScrollBar()->maximum() > 0);
         table.selectRow(0);
         QCOMPARE(m_pcTable->horizontalScrollBar()->value(), 0);
     }

@@ -71,6 +71,8 @@ private Q_SLOTS:
     void deletingNeedsASelection();
     void deletingARowWithoutAStepDoesNothing();
     void taskMayBeDeletedWhileABoxIsShown();
+    void taskMayBeDeletedWhileItsSourceIsChosen();
+    void textWithoutASourceKeepsTheOneThatIsThere();
 };
 
 void tstEditing::initTestCase()
@@ -550,6 +552,35 @@ void tstEditing::taskMayBeDeletedWhileABoxIsShown()
         QVERIFY(!watched);
         QCOMPARE(Probes::configWindows(), 0);
     }
+}
+
+void tstEditing::taskMayBeDeletedWhileItsSourceIsChosen()
+{
+    QPointer<TaskInfo> task = makeTask({}).release();
+    QTimer user;
+    connect(&user, &QTimer::timeout, this, [&task] {
+        if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+            delete task;
+            dialog->reject();
+        }
+    });
+    user.start(5);
+
+    task->DataSourceClicked();
+
+    QVERIFY(!task);
+}
+
+void tstEditing::textWithoutASourceKeepsTheOneThatIsThere()
+{
+    auto task = makeTask({});
+    const auto* instance = task->getDataSourceInstance();
+    QVERIFY(instance);
+
+    task->fromString(QStringLiteral("<-Kernel->1</-Kernel-><-View->0</-View->"));
+
+    QCOMPARE(task->getDataSourceInstance(), instance);
+    QCOMPARE(task->getDataSourceConfig(), QString());
 }
 
 QTEST_MAIN(tstEditing)

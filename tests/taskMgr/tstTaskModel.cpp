@@ -47,8 +47,6 @@ private Q_SLOTS:
     void rowShowsDescribeOrNameAndAReadOnlyTime();
     void rowsFilledByTheProgramAreNoEdits();
     void cancelledSourceChoiceChangesNothing();
-    void textWithoutASourceKeepsTheOneThatIsThere();
-    void taskMayBeDeletedWhileItsSourceIsChosen();
     void chosenSourceReplacesTheOldOneAndItsText();
     void deletingATaskRemovesItsSourceInstance();
     void deletedTaskGivesItsPicturesBack();
@@ -332,35 +330,6 @@ void tstTaskModel::cancelledSourceChoiceChangesNothing()
     QVERIFY(instance);
     QCOMPARE(task->getDataSourceInstance(), instance);
     QCOMPARE(task->getDataSourceConfig(), config);
-}
-
-void tstTaskModel::textWithoutASourceKeepsTheOneThatIsThere()
-{
-    auto task = makeTask({});
-    const auto* instance = task->getDataSourceInstance();
-    QVERIFY(instance);
-
-    task->fromString(QStringLiteral("<-Kernel->1</-Kernel-><-View->0</-View->"));
-
-    QCOMPARE(task->getDataSourceInstance(), instance);
-    QCOMPARE(task->getDataSourceConfig(), QString());
-}
-
-void tstTaskModel::taskMayBeDeletedWhileItsSourceIsChosen()
-{
-    QPointer<TaskInfo> task = makeTask({}).release();
-    QTimer user;
-    connect(&user, &QTimer::timeout, this, [&task] {
-        if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-            delete task;
-            dialog->reject();
-        }
-    });
-    user.start(5);
-
-    task->DataSourceClicked();
-
-    QVERIFY(!task);
 }
 
 void tstTaskModel::chosenSourceReplacesTheOldOneAndItsText()
