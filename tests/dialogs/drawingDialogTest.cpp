@@ -228,6 +228,16 @@ private Q_SLOTS:
         QCOMPARE(dialog.getConfigString(), QString());
     }
 
+    void kindThatIsNoneIsOpenedAsANewStep()
+    {
+        DlgDrawingConfig fresh(QString(), m_pcStore, nullptr);
+        for (const int kind : {-1, 8, 9}) {
+            DlgDrawingConfig dialog(optionText(kind, 10, QString()), m_pcStore, nullptr);
+            QCOMPARE(child<QComboBox>(dialog, "cbDataType")->currentIndex(),
+                     child<QComboBox>(fresh, "cbDataType")->currentIndex());
+        }
+    }
+
     void recordWithoutNameCountsAsNotChosen()
     {
         m_pcStore->getParamDIB(10)->setName(QString());
