@@ -12,6 +12,8 @@ namespace {
 
 constexpr int Kills = 100;
 constexpr int StepNum = 4000;
+constexpr int ShortestUs = 30000;  // of the longest time until a kill.
+constexpr int LongestUs = 4000000;
 
 /// One of the two projects that the child saves in turn; about a megabyte, so that a kill meets the writing.
 QByteArray projectOf(int which)
@@ -69,11 +71,12 @@ void tstKilledSave::projectIsTheOldOrTheNewOneAfterAHundredKills()
     int last = 0;
     int replaced = 0;
     int leftBehind = 0;
+    int mostUs = ShortestUs;  // follows how long saving takes here, so that kills meet all of it
     for (int kill = 0; kill < Kills; ++kill) {
         ChildProcess child({QStringLiteral("save"), path, QString::number(1 - last)});
         QVERIFY(child.isStarted());
         QVERIFY(child.waitForSign());
-        std::this_thread::sleep_for(std::chrono::microseconds(chance() % 30000));
+        std::this_thread::sleep_for(std::chrono::microseconds(chance() % static_cast<unsigned>(mostUs)));
         child.kill();
 
         const QByteArray found = readFile(path);
@@ -81,6 +84,7 @@ void tstKilledSave::projectIsTheOldOrTheNewOneAfterAHundredKills()
         QVERIFY2(found == texts[which],
                  qPrintable(QStringLiteral("after kill %1: %2 bytes").arg(kill).arg(found.size())));
         replaced += which != last ? 1 : 0;
+        mostUs = which != last ? qMax(mostUs / 2, ShortestUs) : qMin(mostUs * 2, LongestUs);
         last = which;
         leftBehind += QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).size() - 1;
         for (const QString& name : QDir(folder.path()).entryList(QDir::Files | QDir::Hidden)) {
