@@ -56,7 +56,7 @@ public:
         pthread_getattr_default_np(&attributes);
         pthread_attr_getstacksize(&attributes, &m_nBefore);
         pthread_attr_destroy(&attributes);
-        setDefault(std::numeric_limits<std::size_t>::max() / 4);
+        setDefault(std::numeric_limits<std::size_t>::max() / 4 * 3);
     }
     ~ImpossibleStacks() { setDefault(m_nBefore); }
     ImpossibleStacks(const ImpossibleStacks&) = delete;
