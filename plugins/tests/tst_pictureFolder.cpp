@@ -46,7 +46,6 @@ private slots:
     void unreadableFilesAreReportedAndSkipped();
     void folderOfUnreadableFilesNeverBurnsTheProcessor();
     void hugeHeaderIsRefusedBeforeDecoding();
-    void otherFormatsUnderAListedEndingAreRefused();
     void relativeFolderFollowsTheWorkingDirectory();
     void configurationWithLineFeedsIsAccepted();
     void newFolderWhilePlayingIsPlayed();
@@ -449,34 +448,24 @@ void TestPictureFolder::folderOfUnreadableFilesNeverBurnsTheProcessor()
 void TestPictureFolder::hugeHeaderIsRefusedBeforeDecoding()
 {
     write("2.png", QColor(2, 0, 0));
-    const QVector<QPair<QByteArray, QString>> sideAndBits{
-        {"102700001800", "图片太大: 1.bmp"}, {"ffffff7fffff", "无法读取图片: 1.bmp"}};  // the second beyond all numbers
-    for (const auto& [numbers, error] : sideAndBits) {
-        const QByteArray header = "424d36000000000000003600000028000000" + numbers.left(8) + numbers.left(8) + "0100" +
-                                  numbers.mid(8) + QByteArray(48, '0');
+    const auto bitmap = [](const QByteArray& side, const QByteArray& bits) {  // and no pixels at all
+        return "424d36000000000000003600000028000000" + side + side + "0100" + bits + QByteArray(48, '0');
+    };
+    const QVector<QPair<QByteArray, QString>> headers{
+        {bitmap("10270000", "1800"), "图片太大: 1.bmp"},
+        {bitmap("ffffff7f", "ffff"), "无法读取图片: 1.bmp"},  // beyond all numbers
+        // A GIF of one pixel on a canvas of 9000x9000: Qt tells the one and decodes the other.
+        {"47494638396128232823800100000000ffffff2c00000000010001000002024401003b", "无法读取图片: 1.bmp"}};
+    for (const auto& [header, error] : headers) {
         QFile file(m_pcDir->filePath("1.bmp"));
         QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(QByteArray::fromHex(header)), qint64(54));  // and no pixels at all
+        QVERIFY(file.write(QByteArray::fromHex(header)) > 0);
         file.close();
         SourceInstance source(m_cLibrary, config());
         source.start();
         QCOMPARE(nextReds(source, 2), (QVector<int>{2, 2}));
         QCOMPARE(source.lastError(), error);
     }
-}
-
-void TestPictureFolder::otherFormatsUnderAListedEndingAreRefused()
-{
-    write("2.png", QColor(2, 0, 0));
-    QFile file(m_pcDir->filePath("1.png"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    // A GIF of one pixel on a canvas of 9000x9000: Qt tells the one and decodes the other.
-    file.write(QByteArray::fromHex("47494638396128232823800100000000ffffff2c00000000010001000002024401003b"));
-    file.close();
-    SourceInstance source(m_cLibrary, config());
-    source.start();
-    QCOMPARE(nextReds(source, 2), (QVector<int>{2, 2}));
-    QCOMPARE(source.lastError(), QStringLiteral("无法读取图片: 1.png"));
 }
 
 void TestPictureFolder::relativeFolderFollowsTheWorkingDirectory()
