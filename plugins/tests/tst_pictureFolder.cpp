@@ -66,6 +66,12 @@ private:
         QVERIFY2(image.save(m_pcDir->filePath(name)), qPrintable(name));
     }
 
+    void writeBytes(const QString& name, const QByteArray& bytes)
+    {
+        QFile file(m_pcDir->filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+
     QString config(double rate = 0, bool loop = true) const
     {
         return QStringLiteral("<Folder>%1</Folder><Loop>%2</Loop><Rate>%3</Rate>")
@@ -416,14 +422,10 @@ void TestPictureFolder::unreadableFilesAreReportedAndSkipped()
     write("1.png", QColor(1, 0, 0));
     write("3.png", QColor(3, 0, 0));
     write(name, QColor(2, 0, 0), QSize(64, 64));
-    QFile file(m_pcDir->filePath(name));
-    if (length >= 0) {
-        QVERIFY(file.resize(length));
-    } else {
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(QByteArray(500, 'x'));
-        file.close();
-    }
+    if (length >= 0)
+        QVERIFY(QFile::resize(m_pcDir->filePath(name), length));
+    else
+        writeBytes(name, QByteArray(500, 'x'));
     SourceInstance source(m_cLibrary, config());
     source.start();
     QCOMPARE(nextReds(source, 4), (QVector<int>{1, 3, 1, 3}));
@@ -432,9 +434,7 @@ void TestPictureFolder::unreadableFilesAreReportedAndSkipped()
 
 void TestPictureFolder::folderOfUnreadableFilesNeverBurnsTheProcessor()
 {
-    QFile file(m_pcDir->filePath("1.png"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.close();
+    writeBytes("1.png", QByteArray());
     SourceInstance source(m_cLibrary, config());
     source.start();
     const std::clock_t before = std::clock();
@@ -448,19 +448,16 @@ void TestPictureFolder::folderOfUnreadableFilesNeverBurnsTheProcessor()
 void TestPictureFolder::hugeHeaderIsRefusedBeforeDecoding()
 {
     write("2.png", QColor(2, 0, 0));
-    const auto bitmap = [](const QByteArray& side, const QByteArray& bits) {  // and no pixels at all
+    const auto bitmap = [](const QByteArray& side, const QByteArray& bits) {
         return "424d36000000000000003600000028000000" + side + side + "0100" + bits + QByteArray(48, '0');
     };
     const QVector<QPair<QByteArray, QString>> headers{
         {bitmap("10270000", "1800"), "图片太大: 1.bmp"},
-        {bitmap("ffffff7f", "ffff"), "无法读取图片: 1.bmp"},  // beyond all numbers
+        {bitmap("ffffff7f", "ffff"), "无法读取图片: 1.bmp"},
         // A GIF of one pixel on a canvas of 9000x9000: Qt tells the one and decodes the other.
         {"47494638396128232823800100000000ffffff2c00000000010001000002024401003b", "无法读取图片: 1.bmp"}};
     for (const auto& [header, error] : headers) {
-        QFile file(m_pcDir->filePath("1.bmp"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QVERIFY(file.write(QByteArray::fromHex(header)) > 0);
-        file.close();
+        writeBytes("1.bmp", QByteArray::fromHex(header));
         SourceInstance source(m_cLibrary, config());
         source.start();
         QCOMPARE(nextReds(source, 2), (QVector<int>{2, 2}));
