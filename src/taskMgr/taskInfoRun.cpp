@@ -5,6 +5,7 @@
 #include "threadGuards.h"
 
 #include <sched.h>
+#include <sys/resource.h>
 
 // One run, seen from the task's flags:
 //
@@ -35,6 +36,17 @@ void bindToProcessor(int kernel)
     if (kernel < CpuNum)
         CPU_SET(static_cast<std::size_t>(kernel), &set);
     pthread_setaffinity_np(pthread_self(), sizeof(set), &set);
+}
+
+/**
+ * Lets the calling thread stand back where processors are scarce, so that a window whose user acts does not wait in
+ * line behind tasks that never sleep. It runs on whenever a processor is free.
+ */
+void giveWayToTheWindow()
+{
+    constexpr int Steps = 10;  // the window's thread gets about nine times the share of one such thread
+    const int own = getpriority(PRIO_PROCESS, 0);
+    setpriority(PRIO_PROCESS, 0, own + Steps);  // on Linux of the thread alone; the system ends it at its own limit
 }
 
 /// The last touch of a run: from here on the task may be deleted.
@@ -91,6 +103,7 @@ void* TaskInfo::threadTaskFunc(void* argument)
     auto* task = static_cast<TaskInfo*>(argument);
     const std::shared_ptr<RunState> state = task->m_pcRunState;
     bindToProcessor(task->m_nKernel.load());
+    giveWayToTheWindow();
     {
         QString message;
         const bool stopped = task->runUntilStopped(message);

@@ -3,6 +3,7 @@
 #include <lumivant/algorithm.h>
 
 #include <sched.h>
+#include <sys/resource.h>
 #include <algorithm>
 #include <condition_variable>
 #include <cstdlib>
@@ -16,6 +17,7 @@ std::mutex s_cMutex;  // Guards what follows.
 std::condition_variable s_cChanged;
 std::string s_strTrace;
 std::string s_strAffinity;
+int s_nPriority = 0;
 bool s_bGateOpen = false;
 int s_nAtGate = 0;
 int s_nConfigWindows = 0;
@@ -89,6 +91,7 @@ char* execute(char* option, ArithmParamMgr*)
     std::unique_lock<std::mutex> lock(s_cMutex);
     s_strTrace += (s_strTrace.empty() ? "" : ",") + name;
     s_strAffinity = affinityOfThread();
+    s_nPriority = getpriority(PRIO_PROCESS, 0);
     if (name.rfind("gate", 0) == 0) {
         ++s_nAtGate;
         s_cChanged.wait(lock, [] { return s_bGateOpen; });
@@ -129,6 +132,13 @@ LUMIVANT_EXPORT const char* testAffinity()
 {
     const std::lock_guard<std::mutex> lock(s_cMutex);
     return kept(s_strAffinity);
+}
+
+/// The nice value of the thread that ran the step last.
+LUMIVANT_EXPORT int testPriority()
+{
+    const std::lock_guard<std::mutex> lock(s_cMutex);
+    return s_nPriority;
 }
 
 LUMIVANT_EXPORT int testAtGate()

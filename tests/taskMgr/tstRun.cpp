@@ -7,6 +7,7 @@
 
 #include <pthread.h>
 #include <sched.h>
+#include <sys/resource.h>
 
 #include <atomic>
 #include <limits>
@@ -141,6 +142,7 @@ private Q_SLOTS:
     void labelOfThreadEntryIsOneBelowTheProcessor();
     void kernelBindsTheThread_data();
     void kernelBindsTheThread();
+    void threadGivesWayToTheWindow();
     void passesFollowEachOtherWithoutAPause();
     void messagesArriveOnTheWindowsThreadAndPrintsOnTheTasks();
     void tasksRunSideBySide();
@@ -445,6 +447,19 @@ void tstRun::kernelBindsTheThread()
 
     QCOMPARE(Probes::affinity(), processors);
     QVERIFY(ownProcessors().length() >= processors.length());  // the window's thread stays as it was
+}
+
+void tstRun::threadGivesWayToTheWindow()
+{
+    auto task = makeTask({step("a")}, Paced);
+    const int before = getpriority(PRIO_PROCESS, 0);
+
+    task->startTask();
+    QTRY_VERIFY(!Probes::trace().isEmpty());
+    task->stopTask();
+
+    QCOMPARE(Probes::priority(), std::min(before + 10, 19));
+    QCOMPARE(getpriority(PRIO_PROCESS, 0), before);
 }
 
 // A pause of a millisecond would be too long.
