@@ -438,9 +438,8 @@ void TestPictureFolder::folderOfUnreadableFilesNeverBurnsTheProcessor()
     SourceInstance source(m_cLibrary, config());
     source.start();
     const std::clock_t before = std::clock();
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 5; ++i)  // A second of waiting; a busy loop would have used all of it.
         QVERIFY(source.request("RGB").isNull());
-    // A second of waiting; a busy loop would have used all of it.
     QVERIFY(double(std::clock() - before) / CLOCKS_PER_SEC < 0.5);
     QCOMPARE(source.lastError(), QStringLiteral("无法读取图片: 1.png"));
 }
@@ -460,7 +459,7 @@ void TestPictureFolder::hugeHeaderIsRefusedBeforeDecoding()
         writeBytes("1.bmp", QByteArray::fromHex(header));
         SourceInstance source(m_cLibrary, config());
         source.start();
-        QCOMPARE(nextReds(source, 2), (QVector<int>{2, 2}));
+        QCOMPARE(nextReds(source, 2), QVector<int>(2, 2));
         QCOMPARE(source.lastError(), error);
     }
 }
