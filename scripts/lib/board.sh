@@ -20,7 +20,8 @@ fetch_board_packages() {
     shift
     mkdir -p "$state/state/lists/partial" "$state/cache/archives/partial"
     : >"$state/status"
-    apt_for_board "$state" update || return 1
+    # One list that a mirror has not finished must not stop the others; what is really missing fails below.
+    apt_for_board "$state" update || say "Not every list of packages could be fetched; going on with those that could."
     apt_for_board "$state" install -y --download-only "$@"
 }
 
