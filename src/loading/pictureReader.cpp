@@ -62,11 +62,16 @@ bool openPicture(QFile& file)
 }
 
 /// Whether the canvas that a GIF is decoded onto is small enough: Qt makes it when it is asked for the size, and then
-/// tells that of the first frame. It takes for a GIF what is called so, whatever the file begins with.
+/// tells that of the first frame. It takes for a GIF what is called so when it knows the content for nothing else.
 bool hasReasonableCanvas(QFile& file)
 {
     const QByteArray header = file.peek(10);
-    const bool gif = header.startsWith("GIF") || file.fileName().endsWith(QLatin1String(".gif"), Qt::CaseInsensitive);
+    bool gif = header.startsWith("GIF");
+    if (!gif && file.fileName().endsWith(QLatin1String(".gif"), Qt::CaseInsensitive)) {
+        const QByteArray format = QImageReader::imageFormat(&file);
+        gif = format.isEmpty() || format == "gif";
+        file.seek(0);
+    }
     const auto number = [&](int offset) { return qFromLittleEndian<quint16>(header.constData() + offset); };
     return !gif || header.size() < 10 || qint64{number(6)} * number(8) <= PictureReader::MaxPixels;
 }

@@ -88,6 +88,12 @@ std::size_t SparePicture::keptBytes(bool grey)
 
 SparePicture::SparePicture(bool grey) : m_bGrey(grey) {}
 
+// Whether the picture was given away or its file turned out to be damaged.
+SparePicture::~SparePicture()
+{
+    spares().letGoAbove(m_bGrey, MostKept);
+}
+
 bool SparePicture::resize(int width, int height)
 {
     if (m_bGrey) {
@@ -114,11 +120,9 @@ PictureConvert::RowOperation SparePicture::operation(QImage::Format format) cons
 void SparePicture::giveTo(ParamDIB& record) const
 {
     record.swapPixels(*spares().store().getParamDIB(SpareID));
-    spares().letGoAbove(false, MostKept);
 }
 
 void SparePicture::giveTo(ParamGray8& record) const
 {
     record.swapPixels(*spares().store().getParamGray8(SpareID));
-    spares().letGoAbove(true, MostKept);
 }

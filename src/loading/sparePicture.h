@@ -32,6 +32,9 @@ public:
     static std::size_t keptBytes(bool grey);
 
     explicit SparePicture(bool grey);
+    ~SparePicture();
+    SparePicture(const SparePicture&) = delete;
+    SparePicture& operator=(const SparePicture&) = delete;
 
     bool isGrey() const { return m_bGrey; }
 

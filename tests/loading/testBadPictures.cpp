@@ -179,17 +179,21 @@ private Q_SLOTS:
     void pictureThatIsOnlyCalledGifIsRead()
     {
         const Folder folder;
-        const QByteArray bmp = encoded(numberedPicture(40, 30), "bmp");
-        QCOMPARE(PictureReader::read(folder.write(bmp, "a.gif")).size(), QSize(40, 30));
+        for (const char* format : {"bmp", "png", "jpg", "tif"}) {
+            const QByteArray bytes = encoded(numberedPicture(40, 30), format);
+            QCOMPARE(PictureReader::read(folder.write(bytes, "a.gif")).size(), QSize(40, 30));
+        }
     }
 
     void hugeCanvasIsRefusedBeforeMemoryIsTaken()
     {
         const Folder folder;
         const QString path = folder.write(gif(9000, 9000), "a.gif");
+        const QString called = folder.write(changed(gif(9000, 9000), 2, '?'), "c.gif");
         QVERIFY(PictureReader::read(folder.write(gif(3, 3), "b.gif")).size() == QSize(3, 3));  // loads the decoder
         const qint64 before = mostAddressSpaceKiB();
         QVERIFY(PictureReader::read(path).isNull());
+        QVERIFY(PictureReader::read(called).isNull());
         QVERIFY(before > 0);
         QVERIFY(mostAddressSpaceKiB() - before < 100 * 1024);
     }

@@ -136,6 +136,19 @@ private Q_SLOTS:
         QCOMPARE(kept, std::size_t{0});
         QVERIFY(keptGrey >= 24000000);
     }
+
+    void absurdPictureThatIsCutShortIsNotKeptEither()
+    {
+        const QString path = write("a.png", 6000, 4000);
+        QFile file(path);
+        QVERIFY(file.resize(file.size() - 40));
+        std::size_t kept = 1;
+        onThreadOfItsOwn([&](ArithmParamMgr& store) {
+            load(store, path, false, 1);
+            kept = SparePicture::keptBytes(false);
+        });
+        QCOMPARE(kept, std::size_t{0});
+    }
 };
 
 QTEST_GUILESS_MAIN(TestSparePicture)
