@@ -103,7 +103,6 @@ void* TaskInfo::threadTaskFunc(void* argument)
     auto* task = static_cast<TaskInfo*>(argument);
     const std::shared_ptr<RunState> state = task->m_pcRunState;
     bindToProcessor(task->m_nKernel.load());
-    giveWayToTheWindow();
     {
         QString message;
         const bool stopped = task->runUntilStopped(message);
@@ -125,6 +124,7 @@ bool TaskInfo::runUntilStopped(QString& message)
     initTaskItemExeTimes();
     if (m_pcDataSource)
         m_pcDataSource->start();
+    giveWayToTheWindow();  // not before: a thread that the source starts here is as it was, so that it loses no picture
     bool stopped = m_bStopRequested.load();
     while (!stopped && runOnce(message, false, -1, -1))
         stopped = m_bStopRequested.load();

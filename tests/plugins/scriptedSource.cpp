@@ -3,6 +3,7 @@
 
 #include <lumivant/dataSource.h>
 
+#include <sys/resource.h>
 #include <chrono>
 #include <cstdio>
 #include <map>
@@ -34,6 +35,7 @@ std::optional<std::string> s_strDialogResult;
 std::string s_strDialogConfig;
 bool s_bDialogFlag = false;
 int s_nLastInstance = 0;
+int s_nPriorityAtStart = 0;
 
 [[maybe_unused]] void count(const char* what, int instance)
 {
@@ -171,6 +173,7 @@ void start(int instance)
 {
     count("start", instance);
     const std::lock_guard<std::mutex> guard(s_cMutex);
+    s_nPriorityAtStart = getpriority(PRIO_PROCESS, 0);
     s_mapInstances[instance].started = true;
 }
 #endif
@@ -205,6 +208,13 @@ LUMIVANT_EXPORT int testCalls(const char* what, int instance)
 {
     const std::lock_guard<std::mutex> guard(s_cMutex);
     return s_mapCalls[{what, instance}];
+}
+
+/// The nice value of the thread that started an instance last, which threads that it makes inherit.
+LUMIVANT_EXPORT int testPriorityAtStart()
+{
+    const std::lock_guard<std::mutex> guard(s_cMutex);
+    return s_nPriorityAtStart;
 }
 
 LUMIVANT_EXPORT int testLastInstance()

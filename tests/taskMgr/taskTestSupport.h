@@ -46,6 +46,7 @@ public:
     static QString traceAtConfig() { return text(s_strProbe, "testTraceAtConfig"); }
     static QString configOption() { return text(s_strProbe, "testConfigOption"); }
     static QString affinity() { return text(s_strProbe, "testAffinity"); }
+    static int priorityAtStartOfSource() { return number(s_strSource, "testPriorityAtStart"); }
     static int priority() { return number(s_strProbe, "testPriority"); }
     static int atGate() { return number(s_strProbe, "testAtGate"); }
     static int configWindows() { return number(s_strProbe, "testConfigWindows"); }
