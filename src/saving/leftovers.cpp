@@ -5,25 +5,24 @@
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 
 #include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <ctime>
-#include <deque>
 #include <memory>
 
 namespace {
 
 constexpr std::time_t FinishedAfterSeconds = 3600;
-constexpr std::size_t RememberedFolders = 16;
+constexpr int RememberedFolders = 4096;
 
-/// The folders that were looked through last.
+/// The folders that were looked through; forgotten when they are many.
 class Seen
 {
 public:
@@ -31,17 +30,17 @@ public:
     bool add(const QString& folder)
     {
         const Guard guard(m_cMutex);
-        if (std::find(m_lstFolders.begin(), m_lstFolders.end(), folder) != m_lstFolders.end())
+        if (m_setFolders.contains(folder))
             return false;
-        m_lstFolders.push_back(folder);
-        if (m_lstFolders.size() > RememberedFolders)
-            m_lstFolders.pop_front();
+        if (m_setFolders.size() >= RememberedFolders)
+            m_setFolders.clear();
+        m_setFolders.insert(folder);
         return true;
     }
 
 private:
     Mutex m_cMutex;  ///< Innermost.
-    std::deque<QString> m_lstFolders GUARDED_BY(m_cMutex);
+    QSet<QString> m_setFolders GUARDED_BY(m_cMutex);
 };
 
 Seen& seen()
