@@ -48,7 +48,7 @@ bool BareScreen::eventFilter(QObject* object, QEvent* event)
         return false;
     if (event->type() == QEvent::WindowDeactivate)
         QTimer::singleShot(0, this, [this, closed = QPointer<QWidget>(widget)] { handOnKeyboard(closed); });
-    else if (widget == m_pcMainWindow)
+    else if (widget == m_pcMainWindow && !event->spontaneous())
         widget->activateWindow();
     return false;
 }
