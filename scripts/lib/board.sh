@@ -67,6 +67,9 @@ need_sysroot() {
     local wanted work
     wanted="$(printf '%s\n' "${BOARD_SYSROOT_PACKAGES[@]}" "$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)")"
     [[ "$(cat "$LUMIVANT_SYSROOT/.lumivant-packages" 2>/dev/null)" != "$wanted" ]] || return 0
+    # A folder of the user's, such as a board's own file system, is not ours to replace.
+    [[ ! -e "$LUMIVANT_SYSROOT" || -e "$LUMIVANT_SYSROOT/.lumivant-packages" ]] ||
+        die "The folder LUMIVANT_SYSROOT names was not made by this script: move it away, or name another."
     say "Making the board's sysroot (armhf); this takes a minute."
     work="$LUMIVANT_SYSROOT.new"
     rm -rf "$work"

@@ -40,7 +40,7 @@ TREE_PACKAGES=(mmdebstrap arch-test qemu-user-static)
 
 # To build for the board and to run what was built: cross compiler, emulator, name spaces; what builds Lumivant here
 # (BUILD_PACKAGES) is needed, too, for its tools.
-BOARD_PACKAGES=(g++-arm-linux-gnueabihf binutils-arm-linux-gnueabihf qemu-user-static util-linux)
+BOARD_PACKAGES=(g++-arm-linux-gnueabihf binutils-arm-linux-gnueabihf qemu-user-static util-linux abigail-tools)
 
 # What the sysroot of the board holds, as packages of the board's architecture.
 BOARD_SYSROOT_PACKAGES=(
