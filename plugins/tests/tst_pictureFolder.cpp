@@ -1,4 +1,4 @@
-#include "packLibraries.h"
+#include "pictureFiles.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -14,7 +14,7 @@
 #include <thread>
 
 /// The data source "Picture Folder" through its C interface, on files that the tests write.
-class TestPictureFolder : public QObject
+class TestPictureFolder : public QObject, private PictureFiles
 {
     Q_OBJECT
 
@@ -57,15 +57,6 @@ private slots:
     void removingAPlayingInstanceEndsIt();
 
 private:
-    /// Writes a picture of one colour.
-    void write(const QString& name, const QColor& colour, const QSize& size = QSize(5, 4),
-               QImage::Format format = QImage::Format_RGB32)
-    {
-        QImage image(size, format);
-        image.fill(colour);
-        QVERIFY2(image.save(m_pcDir->filePath(name)), qPrintable(name));
-    }
-
     void writeBytes(const QString& name, const QByteArray& bytes)
     {
         QFile file(m_pcDir->filePath(name));
@@ -79,20 +70,6 @@ private:
             .arg(loop ? 1 : 0)
             .arg(rate);
     }
-
-    /// The red values of the next pictures.
-    static QVector<int> nextReds(SourceInstance& source, int count)
-    {
-        QVector<int> reds;
-        for (int i = 0; i < count; ++i) {
-            const Picture picture = source.waitFor("RGB");
-            reds << (picture.isNull() ? -1 : picture.byteAt(2));
-        }
-        return reds;
-    }
-
-    const SourceLibrary m_cLibrary{QStringLiteral("pictureFolder")};
-    std::unique_ptr<QTemporaryDir> m_pcDir;
 };
 
 void TestPictureFolder::init()

@@ -1,8 +1,7 @@
-#include "packLibraries.h"
+#include "pictureFiles.h"
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QImage>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -12,7 +11,7 @@
 #include <thread>
 
 /// The data source "Picture Folder" whose folder vanishes while it is played.
-class TestVanishingFolder : public QObject
+class TestVanishingFolder : public QObject, private PictureFiles
 {
     Q_OBJECT
 
@@ -23,26 +22,6 @@ private slots:
     void folderThatComesAndGoesNeverHarms();
 
 private:
-    /// Writes a picture of one colour.
-    void write(const QString& name, const QColor& colour, const QSize& size = QSize(5, 4),
-               QImage::Format format = QImage::Format_RGB32)
-    {
-        QImage image(size, format);
-        image.fill(colour);
-        QVERIFY2(image.save(m_pcDir->filePath(name)), qPrintable(name));
-    }
-
-    /// The red values of the next pictures.
-    static QVector<int> nextReds(SourceInstance& source, int count)
-    {
-        QVector<int> reds;
-        for (int i = 0; i < count; ++i) {
-            const Picture picture = source.waitFor("RGB");
-            reds << (picture.isNull() ? -1 : picture.byteAt(2));
-        }
-        return reds;
-    }
-
     /// The red values of all pictures that come until something is so, and of those that wait by then.
     static QVector<int> redsUntil(SourceInstance& source, const std::function<bool()>& isSo)
     {
@@ -58,9 +37,6 @@ private:
                 return reds;
         }
     }
-
-    const SourceLibrary m_cLibrary{QStringLiteral("pictureFolder")};
-    std::unique_ptr<QTemporaryDir> m_pcDir;
 };
 
 void TestVanishingFolder::init()
