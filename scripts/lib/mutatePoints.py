@@ -4,6 +4,7 @@ Works on tokens, so that comments, texts and preprocessor lines are told from co
 .clang-format gives is used: a binary operator has a blank on both sides, a template bracket has not.
 """
 import re
+import subprocess
 from collections import Counter
 from dataclasses import dataclass, replace
 
@@ -62,6 +63,25 @@ def tokens_of(text):
     text = PREPROCESSOR.sub(lambda match: re.sub(r"[^\n]", " ", match[0]), text)
     return [Token(match.lastgroup if match.lastgroup != "delimiter" else "raw", match[0], match.start())
             for match in TOKEN.finditer(text) if match.lastgroup not in ("space", "comment")]
+
+
+def lines_left_out(text, flags, root):
+    """Lines that the preprocessor drops here, such as the code of another processor."""
+    directives = {text.count("\n", 0, match.start()) + offset for match in PREPROCESSOR.finditer(text)
+                  for offset in range(1, match[0].count("\n") + 2)}
+    lines = text.split("\n")
+    if not any(re.match(r"\s*#\s*if", lines[number - 1]) for number in directives):
+        return set()
+    code = set(range(1, len(lines) + 1)) - directives
+    # A line of code stands for itself only. Qt's headers are not looked for, nor then those of ours that need them.
+    for included in (r"\s*#\s*include\s*<Q", r"\s*#\s*include\s*(<Q|\")"):
+        asked = "\n".join(f"@{number}@" if number in code else "" if re.match(included, line) else line
+                          for number, line in enumerate(lines, 1))
+        done = subprocess.run(["c++", "-E", "-P", "-w", "-x", "c++", "-std=c++17", f"-I{root / 'src'}", *flags, "-"],
+                              input=asked, capture_output=True, text=True)
+        if done.returncode == 0:
+            return code - {int(number) for number in re.findall(r"@(\d+)@", done.stdout)}
+    return set()
 
 
 class Finder:
@@ -332,5 +352,7 @@ class Finder:
         self._drop(start, stop, shown, "guard")
 
 
-def mutations_of(name, text):
-    return Finder(name, text).mutations()
+def mutations_of(name, text, root, flags=()):
+    """The mutations of what is compiled on this machine with these flags; root is the folder that src lies in."""
+    left_out = lines_left_out(text, flags, root)
+    return [mutation for mutation in Finder(name, text).mutations() if mutation.line not in left_out]

@@ -19,15 +19,14 @@ void ColumnMap::findWindows(int rowWidth)
 {
     if (rowWidth < WindowBytes)
         return;
-    m_vecWindows.resize(m_vecColumns.size() / WindowColumns);
+    std::vector<Window> windows(m_vecColumns.size() / WindowColumns);
     const std::int32_t* columns = m_vecColumns.data();
-    for (Window& window : m_vecWindows) {
+    for (Window& window : windows) {
         window.m_nFirst = std::min(columns[0], rowWidth - WindowBytes);
-        if (columns[WindowColumns - 1] - window.m_nFirst >= WindowBytes) {
-            m_vecWindows.clear();
+        if (columns[WindowColumns - 1] - window.m_nFirst >= WindowBytes)
             return;
-        }
         for (std::uint8_t& place : window.m_anPlaces)
             place = static_cast<std::uint8_t>(*columns++ - window.m_nFirst);
     }
+    m_vecWindows = std::move(windows);
 }

@@ -30,15 +30,27 @@ constexpr int doubleForm(int s0, int s1, int s2)
     return static_cast<int>(Weight1 * s1 + Weight2 * s2 + Weight0 * s0);
 }
 
-/// One bit for each pure grey (three equal bytes), whose sum is always a multiple: set where the result is one less.
-constexpr std::array<unsigned char, 32> pureGreysBelow()
+/// The lower 128 pure greys and the upper ones.
+using PureGreys = std::array<std::array<unsigned char, 16>, 2>;
+
+/**
+ * One bit for each pure grey (three equal bytes), whose sum is always a multiple: set where the result is one less.
+ *
+ * A colour whose sum is such a multiple and of whose bytes two are equal is a pure grey, too: the third's weight times
+ * the difference would be a multiple of 1000, so the difference one of 500.
+ */
+constexpr PureGreys pureGreysBelow()
 {
-    std::array<unsigned char, 32> bits{};
-    for (int value = 0; value < 256; ++value) {
-        if (doubleForm(value, value, value) != value)
-            bits[static_cast<unsigned>(value) / 8] |= static_cast<unsigned char>(1 << value % 8);
+    PureGreys bits{};
+    for (unsigned value = 0; value < 256; ++value) {
+        const int grey = static_cast<int>(value);
+        if (doubleForm(grey, grey, grey) != grey)
+            bits[value / 128][value / 8 % 16] |= static_cast<unsigned char>(1U << value % 8);
     }
     return bits;
 }
+
+/// Eight bytes, the lowest first: the bit that stands for each of eight values beside each other.
+constexpr long long PowersOfTwo = static_cast<long long>(0x8040201008040201ULL);
 
 }  // namespace GreyForm

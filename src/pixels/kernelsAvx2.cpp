@@ -116,12 +116,8 @@ struct FourRgb
                                 _mm256_madd_epi16(bytes<2>(pixels), _mm256_set1_epi32(Integer2)));
     }
 
-    /// All bits of each pixel whose bytes are equal.
-    static AVX2_INLINE __m256i pure(__m256i pixels)
-    {
-        const __m256i s0 = bytes<0>(pixels);
-        return _mm256_and_si256(_mm256_cmpeq_epi32(s0, bytes<1>(pixels)), _mm256_cmpeq_epi32(s0, bytes<2>(pixels)));
-    }
+    /// All bits of each pixel whose first two bytes are equal.
+    static AVX2_INLINE __m256i paired(__m256i pixels) { return _mm256_cmpeq_epi32(bytes<0>(pixels), bytes<1>(pixels)); }
 
 private:
     /// Byte s0, s1 or s2 of each pixel.
@@ -145,10 +141,10 @@ struct FourBgrx
                                 _mm256_madd_epi16(green, _mm256_set1_epi32(Integer1)));
     }
 
-    static AVX2_INLINE __m256i pure(__m256i pixels)
+    static AVX2_INLINE __m256i paired(__m256i pixels)
     {
         const __m256i neighbours = _mm256_xor_si256(pixels, _mm256_srli_epi32(pixels, 8));
-        return _mm256_cmpeq_epi32(_mm256_and_si256(neighbours, _mm256_set1_epi32(0xFFFF)), _mm256_setzero_si256());
+        return _mm256_cmpeq_epi32(_mm256_and_si256(neighbours, _mm256_set1_epi32(0xFF)), _mm256_setzero_si256());
     }
 };
 
@@ -168,16 +164,13 @@ AVX2_INLINE __m256i thousandths(__m256i sums0, __m256i sums1, __m256i& multiples
 /// All bits of each byte that is a pure grey whose result is one less.
 AVX2_INLINE __m256i belowOf(__m256i values)
 {
-    static constexpr std::array<unsigned char, 32> Bits = pureGreysBelow();
+    static constexpr PureGreys Bits = pureGreysBelow();
     const __m256i row = _mm256_and_si256(_mm256_srli_epi16(values, 3), _mm256_set1_epi8(31));
     const __m256i isUpper = _mm256_cmpgt_epi8(row, _mm256_set1_epi8(15));
-    const __m256i bits =
-        _mm256_blendv_epi8(_mm256_shuffle_epi8(halves(Bits.data(), Bits.data()), row),
-                           _mm256_shuffle_epi8(halves(Bits.data() + 16, Bits.data() + 16), row), isUpper);
-    constexpr char Highest = -128;
-    const __m128i powers = _mm_setr_epi8(1, 2, 4, 8, 16, 32, 64, Highest, 0, 0, 0, 0, 0, 0, 0, 0);
+    const __m256i bits = _mm256_blendv_epi8(_mm256_shuffle_epi8(halves(Bits[0].data(), Bits[0].data()), row),
+                                            _mm256_shuffle_epi8(halves(Bits[1].data(), Bits[1].data()), row), isUpper);
     const __m256i bit =
-        _mm256_shuffle_epi8(_mm256_set_m128i(powers, powers), _mm256_and_si256(values, _mm256_set1_epi8(7)));
+        _mm256_shuffle_epi8(_mm256_set1_epi64x(PowersOfTwo), _mm256_and_si256(values, _mm256_set1_epi8(7)));
     return _mm256_cmpeq_epi8(_mm256_and_si256(bits, bit), bit);
 }
 
@@ -195,9 +188,9 @@ AVX2_INLINE bool greyOf(__m256i a, __m256i b, __m256i c, __m256i d, unsigned cha
         store(grey, values);
         return true;
     }
-    const __m256i pure = _mm256_packs_epi16(_mm256_packs_epi32(Four::pure(a), Four::pure(b)),
-                                            _mm256_packs_epi32(Four::pure(c), Last::pure(d)));
-    if (!_mm256_testc_si256(pure, multiples))
+    const __m256i paired = _mm256_packs_epi16(_mm256_packs_epi32(Four::paired(a), Four::paired(b)),
+                                              _mm256_packs_epi32(Four::paired(c), Last::paired(d)));
+    if (!_mm256_testc_si256(paired, multiples))  // not every one is a pure grey
         return false;
     store(grey, _mm256_add_epi8(values, _mm256_and_si256(belowOf(values), multiples)));
     return true;

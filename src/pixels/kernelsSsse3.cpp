@@ -122,12 +122,8 @@ struct FourRgb
         return doubleForms({bytes<0>(pixels), bytes<1>(pixels), bytes<2>(pixels)});
     }
 
-    /// All bits of each pixel whose bytes are equal.
-    static SSSE3_INLINE __m128i pure(__m128i pixels)
-    {
-        const __m128i s0 = bytes<0>(pixels);
-        return _mm_and_si128(_mm_cmpeq_epi32(s0, bytes<1>(pixels)), _mm_cmpeq_epi32(s0, bytes<2>(pixels)));
-    }
+    /// All bits of each pixel whose first two bytes are equal.
+    static SSSE3_INLINE __m128i paired(__m128i pixels) { return _mm_cmpeq_epi32(bytes<0>(pixels), bytes<1>(pixels)); }
 
 private:
     /// Byte s0, s1 or s2 of each pixel.
@@ -157,10 +153,10 @@ struct FourBgrx
                             _mm_and_si128(_mm_srli_epi32(pixels, 8), byte), _mm_and_si128(pixels, byte)});
     }
 
-    static SSSE3_INLINE __m128i pure(__m128i pixels)
+    static SSSE3_INLINE __m128i paired(__m128i pixels)
     {
         const __m128i neighbours = _mm_xor_si128(pixels, _mm_srli_epi32(pixels, 8));
-        return _mm_cmpeq_epi32(_mm_and_si128(neighbours, _mm_set1_epi32(0xFFFF)), _mm_setzero_si128());
+        return _mm_cmpeq_epi32(_mm_and_si128(neighbours, _mm_set1_epi32(0xFF)), _mm_setzero_si128());
     }
 };
 
@@ -180,14 +176,12 @@ SSSE3_INLINE __m128i thousandths(__m128i sums0, __m128i sums1, __m128i& multiple
 /// All bits of each byte that is a pure grey whose result is one less.
 SSSE3_INLINE __m128i belowOf(__m128i values)
 {
-    static constexpr std::array<unsigned char, 32> Bits = pureGreysBelow();
+    static constexpr PureGreys Bits = pureGreysBelow();
     const __m128i row = _mm_and_si128(_mm_srli_epi16(values, 3), _mm_set1_epi8(31));
     const __m128i isUpper = _mm_cmpgt_epi8(row, _mm_set1_epi8(15));
-    const __m128i lower = _mm_andnot_si128(isUpper, _mm_shuffle_epi8(load(Bits.data()), row));
-    const __m128i upper = _mm_and_si128(isUpper, _mm_shuffle_epi8(load(Bits.data() + 16), row));
-    constexpr char Highest = -128;
-    const __m128i bit = _mm_shuffle_epi8(_mm_setr_epi8(1, 2, 4, 8, 16, 32, 64, Highest, 0, 0, 0, 0, 0, 0, 0, 0),
-                                         _mm_and_si128(values, _mm_set1_epi8(7)));
+    const __m128i lower = _mm_andnot_si128(isUpper, _mm_shuffle_epi8(load(Bits[0].data()), row));
+    const __m128i upper = _mm_and_si128(isUpper, _mm_shuffle_epi8(load(Bits[1].data()), row));
+    const __m128i bit = _mm_shuffle_epi8(_mm_set1_epi64x(PowersOfTwo), _mm_and_si128(values, _mm_set1_epi8(7)));
     return _mm_cmpeq_epi8(_mm_and_si128(_mm_or_si128(lower, upper), bit), bit);
 }
 
@@ -208,8 +202,8 @@ SSSE3_INLINE __m128i greyOf(__m128i a, __m128i b, __m128i c, __m128i d)
     const __m128i multiples = _mm_packs_epi16(multiples0, multiples1);
     if (__builtin_expect(_mm_movemask_epi8(multiples) == 0, 1))
         return values;
-    const __m128i pure = packed(Four::pure(a), Four::pure(b), Four::pure(c), Last::pure(d));
-    if (_mm_movemask_epi8(_mm_andnot_si128(pure, multiples)) == 0)
+    const __m128i paired = packed(Four::paired(a), Four::paired(b), Four::paired(c), Last::paired(d));
+    if (_mm_movemask_epi8(_mm_andnot_si128(paired, multiples)) == 0)  // each is a pure grey
         return _mm_add_epi8(values, _mm_and_si128(belowOf(values), multiples));
     return _mm_packus_epi16(_mm_packs_epi32(Four::exact(a), Four::exact(b)),
                             _mm_packs_epi32(Four::exact(c), Last::exact(d)));

@@ -54,6 +54,28 @@ void checkMove(const PixelKernels& form, const Move& move, std::size_t count, st
     QCOMPARE(source, before);
 }
 
+/// What the benchmarks print.
+template <typename Kernels>
+QStringList namesOf(const std::vector<const Kernels*>& forms)
+{
+    QStringList names;
+    for (const Kernels* kernels : forms)
+        names.append(kernels->m_pchName);
+    return names;
+}
+
+#if defined(__x86_64__)
+/// Of these forms, from the slowest to the fastest, those that the processor has.
+QStringList expectedNames(QStringList names)
+{
+    if (!__builtin_cpu_supports("avx2"))
+        names.removeAll("avx2");
+    if (!__builtin_cpu_supports("ssse3"))
+        names = QStringList{"plain"};
+    return names;
+}
+#endif
+
 }  // namespace
 
 class TestPixelMoves : public QObject
@@ -128,6 +150,10 @@ private Q_SLOTS:
         QCOMPARE(PixelKernels::available().front(), &PixelKernels::plain());
 #if defined(__x86_64__)
         QCOMPARE(PixelKernels::ssse3() != nullptr, bool(__builtin_cpu_supports("ssse3")));
+        QCOMPARE(PixelKernels::avx2() != nullptr, bool(__builtin_cpu_supports("avx2")));
+        QCOMPARE(SamplingKernels::ssse3() != nullptr, bool(__builtin_cpu_supports("ssse3")));
+        QCOMPARE(namesOf(PixelKernels::available()), expectedNames({"plain", "ssse3", "avx2"}));
+        QCOMPARE(namesOf(SamplingKernels::available()), expectedNames({"plain", "ssse3"}));
 #elif defined(__arm__)
         constexpr unsigned long Neon = 1UL << 12;  // of AT_HWCAP
         QCOMPARE(PixelKernels::neon() != nullptr, (::getauxval(AT_HWCAP) & Neon) != 0);

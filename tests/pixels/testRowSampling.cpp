@@ -166,8 +166,15 @@ void TestRowSampling::mapKnowsNeighboursWindowsAndTheLastPixel()
 
     const ColumnMap far({0, 1, 2, 3, 4, 5, 6, 16}, 40);
     QVERIFY(far.windows().empty());
-    QVERIFY(ColumnMap().windows().empty());
-    QVERIFY(!ColumnMap().isContiguous());
+    const ColumnMap narrow({0, 1, 2, 3, 4, 5, 6, 15}, 16);  // just the sixteen
+    QCOMPARE(narrow.windows().size(), std::size_t{1});
+    QCOMPARE(narrow.windows()[0].m_nFirst, 0);
+
+    for (const ColumnMap& none : {ColumnMap(), ColumnMap({}, 40)}) {
+        QVERIFY(none.windows().empty());
+        QVERIFY(!none.isContiguous());
+        QCOMPARE(none.innerCount(), std::size_t{0});
+    }
 }
 
 QTEST_APPLESS_MAIN(TestRowSampling)
