@@ -55,12 +55,16 @@ QString GlobalFunction::getAndRemoveBody(QString& text, QString open, QString cl
 
 void GlobalFunction::trimString(QString& text)
 {
-    int begin = 0;
-    int end = text.length();
-    while (begin < end && isBlank(text.at(begin)))
-        ++begin;
-    while (begin < end && isBlank(text.at(end - 1)))
-        --end;
-    if (end - begin != text.length())
-        text = text.mid(begin, end - begin);
+    const QStringView left = trimmed(text);
+    if (left.size() != text.size())
+        text = left.toString();
+}
+
+QStringView GlobalFunction::trimmed(QStringView text)
+{
+    while (!text.isEmpty() && isBlank(text.front()))
+        text = text.mid(1);
+    while (!text.isEmpty() && isBlank(text.back()))
+        text.chop(1);
+    return text;
 }

@@ -6,6 +6,7 @@
 #include <QMutex>
 #include <QObject>
 #include <QString>
+#include <QStringView>
 
 #include <array>
 #include <atomic>
@@ -35,6 +36,9 @@ public:
 
     /// Removes spaces, carriage returns and line feeds (and no other blanks) at both ends.
     static void trimString(QString& text);
+
+    /// What trimString would leave of a text.
+    static QStringView trimmed(QStringView text);
 
     // ---- View registry (globalFunctionViews.cpp) -------------------------------------------------------------------
 

@@ -58,6 +58,16 @@ int TextScan::indexOfPairPlain(QStringView text, int from, OneOf first, OneOf se
     return length;
 }
 
+int TextScan::indexOfOnePlain(QStringView text, int from, OneOf wanted)
+{
+    const int length = static_cast<int>(text.size());
+    for (int i = from; i < length; ++i) {
+        if (isOneOf(text[i], wanted))
+            return i;
+    }
+    return length;
+}
+
 #ifdef __SSE2__
 int TextScan::indexOfPair(QStringView text, int from, OneOf first, OneOf second)
 {
@@ -72,10 +82,28 @@ int TextScan::indexOfPair(QStringView text, int from, OneOf first, OneOf second)
     }
     return indexOfPairPlain(text, i, first, second);
 }
+
+int TextScan::indexOfOne(QStringView text, int from, OneOf wanted)
+{
+    const int length = static_cast<int>(text.size());
+    const LaneFilter isWanted(wanted);
+    int i = from;
+    for (; i + 2 * Lanes <= length; i += 2 * Lanes) {
+        const __m128i bytes = _mm_packs_epi16(isWanted.of(text.data() + i), isWanted.of(text.data() + i + Lanes));
+        if (const int found = _mm_movemask_epi8(bytes))
+            return i + __builtin_ctz(static_cast<unsigned>(found));
+    }
+    return indexOfOnePlain(text, i, wanted);
+}
 #else
 int TextScan::indexOfPair(QStringView text, int from, OneOf first, OneOf second)
 {
     return indexOfPairPlain(text, from, first, second);
+}
+
+int TextScan::indexOfOne(QStringView text, int from, OneOf wanted)
+{
+    return indexOfOnePlain(text, from, wanted);
 }
 #endif
 

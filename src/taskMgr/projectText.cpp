@@ -5,6 +5,7 @@
 #include <QStringRef>
 
 #include <algorithm>
+#include <climits>
 
 ElementReader::ElementReader(QStringView text, const QString& open, const QString& close)
     : m_strText(text), m_strOpen(open), m_strClose(close)
@@ -55,6 +56,8 @@ QString ProjectText::upToNul(const QString& text)
 QString ProjectText::collapseEmptyLines(const QString& text)
 {
     constexpr TextScan::OneOf LineEnd{u'\r', u'\n'};
+    if (TextScan::indexOfPair(text, 0, LineEnd, LineEnd) == text.length())
+        return text;
     QString result;
     result.reserve(text.length());
     for (int copied = 0; copied < text.length();) {
@@ -78,6 +81,8 @@ void ProjectText::Saved::keepShort()
 {
     constexpr int Long = 32 * 1024;
     constexpr int LineEndsThatMayGrow = 3;  // of "\r\n\r\n"
+    ++m_nSteps;
+    --m_nStepsLeft;
     if (m_strText.length() > Long)
         takeOff(LineEndsThatMayGrow);
 }
@@ -90,11 +95,25 @@ QByteArray ProjectText::Saved::finish()
 
 void ProjectText::Saved::takeOff(int held)
 {
-    const QString collapsed = collapseEmptyLines(m_strText);
-    held = std::min(held, static_cast<int>(collapsed.length()));
-    m_cUtf8 += collapsed.leftRef(collapsed.length() - held).toUtf8();
+    QString collapsed = collapseEmptyLines(m_strText);
+    held = std::min(held, collapsed.length());
+    const QByteArray piece = collapsed.leftRef(collapsed.length() - held).toUtf8();
+    makeRoom(m_cUtf8.length() + piece.length());
+    m_cUtf8 += piece;
+    const QString rest = collapsed.right(held);
+    collapsed.clear();  // It may be the text itself, whose memory is used again.
     m_strText.resize(0);
-    m_strText += collapsed.rightRef(held);
+    m_strText += rest;
+}
+
+// Growing by doubling would copy all that is there again and again, and touch twice the memory.
+void ProjectText::Saved::makeRoom(int length)
+{
+    constexpr qint64 Most = 64 << 20;  // One long step in front of many short ones is a bad guess.
+    if (length <= m_cUtf8.capacity())
+        return;
+    const qint64 behind = qint64(length) * std::max(m_nStepsLeft, 0) / std::max(m_nSteps, 1) * 17 / 16;
+    m_cUtf8.reserve(static_cast<int>(std::min<qint64>(length + std::min(behind, Most), INT_MAX - 64)));
 }
 
 namespace {
@@ -111,7 +130,9 @@ int endOfName(const QString& text, int index)
 
 void ProjectText::forEachNamedID(const QString& text, const std::function<void(int)>& found)
 {
-    for (int open = text.indexOf(QLatin1Char('<')); open >= 0; open = text.indexOf(QLatin1Char('<'), open + 1)) {
+    constexpr TextScan::OneOf Bracket{u'<', u'<'};
+    for (int open = TextScan::indexOfOne(text, 0, Bracket); open < text.length();
+         open = TextScan::indexOfOne(text, open + 1, Bracket)) {
         const int nameEnd = endOfName(text, open + 1);
         const QStringRef name = text.midRef(open + 1, nameEnd - open - 1);
         if (nameEnd == text.length() || text.at(nameEnd) != QLatin1Char('>') ||

@@ -56,13 +56,19 @@ QString collapseEmptyLines(const QString& text);
 class Saved
 {
 public:
+    /// steps is how often keepShort will be called: from how far it came the length of the file is guessed.
+    explicit Saved(int steps) : m_nStepsLeft(steps) {}
+
     QString& text() { return m_strText; }  ///< To append to.
-    void keepShort();                      ///< May be called behind each whole line; takes a long text off.
+    void keepShort();                      ///< Called behind each step; takes a long text off.
     QByteArray finish();                   ///< The whole file.
 
 private:
     void takeOff(int held);
+    void makeRoom(int length);
 
+    int m_nStepsLeft;
+    int m_nSteps = 0;
     QString m_strText;
     QByteArray m_cUtf8;
 };

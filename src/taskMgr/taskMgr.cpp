@@ -118,7 +118,10 @@ QString TaskMgr::toString() const
 
 QByteArray TaskMgr::toSavedText() const
 {
-    ProjectText::Saved saved;
+    int steps = 0;
+    for (TaskInfo* task : m_mapTasks)
+        steps += task->getTaskItem().size();
+    ProjectText::Saved saved(steps);
     appendTo(saved.text(), [&saved] { saved.keepShort(); });
     return saved.finish();
 }
@@ -139,13 +142,10 @@ void TaskMgr::appendTo(QString& text, const std::function<void()>& afterStep) co
 void TaskMgr::fromString(QString text)
 {
     clear();
-    const TaskTags::Tag& tag = TaskTags::get().m_cTask;
-    const QString read = ProjectText::upToNul(text);
-    ElementReader tasks(read, tag.m_strOpen, tag.m_strClose);
     int id = 0;
-    for (QStringView body = tasks.next(); !body.isEmpty(); body = tasks.next()) {
+    for (TaskText& read : TaskText::readProject(text)) {
         auto task = std::make_unique<TaskInfo>(QString(), m_pfnMessage);
-        task->load(TaskText::read(body));
+        task->load(std::move(read));
         addTask(task.release(), id++);
     }
 }

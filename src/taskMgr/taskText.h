@@ -25,4 +25,11 @@ struct TaskText
 
     /// The second way alone: the definition of what read gives.
     static TaskText readByElements(QString body);
+
+    /// Reads all tasks of a project text, up to its first NUL and to its first empty task element; in one pass where
+    /// the program wrote the text.
+    static QList<TaskText> readProject(const QString& text);
+
+    /// The definition of what readProject gives, element by element.
+    static QList<TaskText> readProjectByElements(const QString& text);
 };

@@ -72,6 +72,12 @@ private:
                                     QStringLiteral("</-"),
                                     QStringLiteral("<-"),
                                     QStringLiteral("/-"),
+                                    QStringLiteral("<=TaskInfo=>"),
+                                    QStringLiteral("</=taskINFO=>"),
+                                    QStringLiteral("<="),
+                                    QStringLiteral("</="),
+                                    QStringLiteral("<"),
+                                    QChar(0),
                                     QStringLiteral("\t"),
                                     QStringLiteral(" \r\n"),
                                     QStringLiteral("中文"),
@@ -88,6 +94,10 @@ class tstTaskText : public QObject
 private Q_SLOTS:
     void everyFieldOfALaidOutTaskIsRead();
     void disturbedTextsReadAsElementByElement();
+    void disturbedProjectsReadAsElementByElement();
+    void everyTaskOfALaidOutProjectIsRead();
+    void signsOfATaskInAnOptionAreText();
+    void projectEndsAtItsFirstNul();
     void missingSourceIsNotTakenFromAnOption();
     void equalTextsOfNeighbouringStepsShareTheirMemory();
     void savedTextIsTheWholeTextWithoutEmptyLines();
@@ -116,6 +126,60 @@ void tstTaskText::disturbedTextsReadAsElementByElement()
         if (contents(TaskText::read(text)) != contents(TaskText::readByElements(text)))
             QFAIL(qPrintable(text));
     }
+}
+
+void tstTaskText::disturbedProjectsReadAsElementByElement()
+{
+    Disturber random;
+    for (int round = 0; round < 20000; ++round) {
+        QString text;
+        for (int task = random.below(4); task > 0; --task)
+            text += QLatin1String("<=TaskInfo=>\n") + QLatin1String(Head) +
+                    QString::fromLatin1(Source).repeated(random.below(2)) +
+                    QString::fromLatin1(Step).repeated(random.below(3)) + QLatin1String("\n</=TaskInfo=>\n");
+        for (int i = random.below(4); i > 0 && !text.isEmpty(); --i)
+            random.disturb(text);
+        QList<QStringList> read;
+        for (const TaskText& task : TaskText::readProject(text))
+            read += contents(task);
+        QList<QStringList> expected;
+        for (const TaskText& task : TaskText::readProjectByElements(text))
+            expected += contents(task);
+        if (read != expected)
+            QFAIL(qPrintable(text));
+    }
+}
+
+void tstTaskText::everyTaskOfALaidOutProjectIsRead()
+{
+    const QString task = QLatin1String("<=TaskInfo=>\n") + QLatin1String(Head) + QLatin1String(Step) +
+                         QLatin1String("\n</=TaskInfo=>\n");
+
+    const QList<TaskText> tasks = TaskText::readProject(task + task);
+
+    QCOMPARE(tasks.size(), 2);
+    QCOMPARE(contents(tasks.at(1)), QStringList({"t", "2", "1", "", "3", "0", "id", "\n<ID>7</ID>\n", "c", "n", "d"}));
+    QCOMPARE(TaskText::readProject(QString()).size(), 0);
+}
+
+void tstTaskText::signsOfATaskInAnOptionAreText()
+{
+    const QString option = QStringLiteral("a<=b </=c <<d </e <=TaskInf");
+    QString text =
+        QLatin1String("<=TaskInfo=>\n") + QLatin1String(Head) + QLatin1String(Step) + QLatin1String("</=TaskInfo=>\n");
+    text.replace(QStringLiteral("<ID>7</ID>"), option);
+
+    QCOMPARE(TaskText::readProject(text).first().m_lstSteps.first().m_strOption,
+             QLatin1Char('\n') + option + QLatin1Char('\n'));
+}
+
+void tstTaskText::projectEndsAtItsFirstNul()
+{
+    const QString task =
+        QLatin1String("<=TaskInfo=>\n") + QLatin1String(Head) + QLatin1String(Step) + QLatin1String("</=TaskInfo=>\n");
+
+    QCOMPARE(TaskText::readProject(task + QChar(0) + task).size(), 1);
+    QCOMPARE(TaskText::readProject(task + QString(task).replace(QLatin1Char('7'), QChar(0))).size(), 1);
 }
 
 // The first element of that name is the task's, wherever it stands.
@@ -161,7 +225,7 @@ void tstTaskText::savedTextIsTheWholeTextWithoutEmptyLines()
 
 void tstTaskText::savedTextCollapsesLineEndsAcrossItsPieces()
 {
-    ProjectText::Saved saved;
+    ProjectText::Saved saved(20);  // a guess that turns out too low
     QString whole;
     const QStringList ends = {QStringLiteral("\r\n\r"), QStringLiteral("\n\r\n\r\n"), QStringLiteral("\r\r"),
                               QStringLiteral("x\n"),    QStringLiteral("\n"),         QStringLiteral("\r\n")};

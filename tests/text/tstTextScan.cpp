@@ -12,6 +12,8 @@ private Q_SLOTS:
     void pairIsFoundAtEveryPlaceOfEveryLength();
     void pairStandsNeitherInFrontNorAcrossTheEnd();
     void pairOfAlternativesIsFoundAsCharacterByCharacter();
+    void oneCharacterIsFoundAtEveryPlaceOfEveryLength();
+    void oneOfTwoIsFoundAsCharacterByCharacter();
     void charactersWithTheSameLowByteAreOthers();
     void markersAreFoundAsByQt_data();
     void markersAreFoundAsByQt();
@@ -54,11 +56,39 @@ void tstTextScan::pairOfAlternativesIsFoundAsCharacterByCharacter()
     }
 }
 
+void tstTextScan::oneCharacterIsFoundAtEveryPlaceOfEveryLength()
+{
+    for (int length = 0; length < 70; ++length) {
+        for (int place = 0; place < length; ++place) {
+            QString text(length, QLatin1Char('.'));
+            text[place] = place % 2 ? QLatin1Char('<') : QChar(0);
+            for (int from = 0; from <= length; ++from)
+                QCOMPARE(TextScan::indexOfOne(text, from, {u'<', u'\0'}), from <= place ? place : length);
+        }
+        // What stands behind the end does not count.
+        const QString text = QString(length, QLatin1Char('.')) + QString(20, QLatin1Char('<'));
+        QCOMPARE(TextScan::indexOfOne(QStringView(text).left(length), 0, {u'<', u'\0'}), length);
+    }
+}
+
+void tstTextScan::oneOfTwoIsFoundAsCharacterByCharacter()
+{
+    std::mt19937 random(2);
+    for (int round = 0; round < 4000; ++round) {
+        QString text;
+        for (int i = 0; i < round % 90; ++i)
+            text += QChar(static_cast<ushort>(random() % 50 ? random() : 'a' + random() % 2));
+        const int from = static_cast<int>(random() % static_cast<unsigned>(text.size() + 1));
+        QCOMPARE(TextScan::indexOfOne(text, from, {u'a', u'b'}), TextScan::indexOfOnePlain(text, from, {u'a', u'b'}));
+    }
+}
+
 void tstTextScan::charactersWithTheSameLowByteAreOthers()
 {
     QString text = QString(20, QChar(0x3c00 + '<')) + QString(20, QChar(0x2d00 + '-'));
 
     QCOMPARE(TextScan::indexOfPair(text, 0, {u'<', u'<'}, {u'-', u'-'}), 40);
+    QCOMPARE(TextScan::indexOfOne(text, 0, {u'<', u'-'}), 40);
     text[12] = QLatin1Char('<');
     QCOMPARE(TextScan::indexOfPair(text, 0, {u'<', u'<'}, {u'-', u'-'}), 40);
     text[13] = QLatin1Char('-');
