@@ -291,12 +291,12 @@ void TestPictureFolder::threadThatCannotStartIsReportedAndTriedAgain()
 {
     write("1.png", QColor(7, 0, 0));
     SourceInstance source(m_cLibrary, config());
-    // No thread has room for such a stack.
+    // No thread has room for such a stack, with 4 GiB of addresses neither.
     pthread_attr_t usual;
     pthread_attr_t greedy;
     QCOMPARE(pthread_getattr_default_np(&usual), 0);
     QCOMPARE(pthread_getattr_default_np(&greedy), 0);
-    QCOMPARE(pthread_attr_setstacksize(&greedy, std::numeric_limits<std::size_t>::max() / 2 / 65536 * 65536), 0);
+    QCOMPARE(pthread_attr_setstacksize(&greedy, std::numeric_limits<std::size_t>::max() / 16 * 15 / 65536 * 65536), 0);
     QCOMPARE(pthread_setattr_default_np(&greedy), 0);
 
     source.start();
