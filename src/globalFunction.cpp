@@ -12,7 +12,7 @@ struct Element
 };
 
 // The closing marker is searched from the start of the text too, so a stray one in front hides every element behind it.
-Element findElement(const QString& text, const QString& open, const QString& close)
+Element findElement(const QString& text, QStringView open, QStringView close)
 {
     const int openIndex = text.indexOf(open, 0, Qt::CaseInsensitive);
     if (openIndex < 0)
@@ -21,12 +21,6 @@ Element findElement(const QString& text, const QString& open, const QString& clo
     if (openIndex >= closeIndex || closeIndex >= text.length())
         return {};
     return {openIndex, closeIndex};
-}
-
-QString bodyOf(const Element& element, const QString& text, const QString& open)
-{
-    const int start = element.m_nOpen + open.length();
-    return text.mid(start, element.m_nClose - start);
 }
 
 // Kept on purpose: tabs and all other white space do not count as blank.
@@ -39,8 +33,17 @@ bool isBlank(QChar c)
 
 QString GlobalFunction::getBody(QString text, QString open, QString close)
 {
+    const BodyPlace place = findBody(text, open, close);
+    return place.m_nStart < 0 ? QString() : text.mid(place.m_nStart, place.m_nLength);
+}
+
+GlobalFunction::BodyPlace GlobalFunction::findBody(const QString& text, QStringView open, QStringView close)
+{
     const Element element = findElement(text, open, close);
-    return element ? bodyOf(element, text, open) : QString();
+    if (!element)
+        return {};
+    const int start = element.m_nOpen + static_cast<int>(open.length());
+    return {start, element.m_nClose - start};
 }
 
 QString GlobalFunction::getAndRemoveBody(QString& text, QString open, QString close)
@@ -48,7 +51,8 @@ QString GlobalFunction::getAndRemoveBody(QString& text, QString open, QString cl
     const Element element = findElement(text, open, close);
     if (!element)
         return {};
-    const QString body = bodyOf(element, text, open);
+    const int start = element.m_nOpen + open.length();
+    const QString body = text.mid(start, element.m_nClose - start);
     text.remove(element.m_nOpen, close.length() + (element.m_nClose - element.m_nOpen));
     return body;
 }

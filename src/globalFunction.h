@@ -31,6 +31,15 @@ public:
     /// The text between the first opening and the first closing marker; empty when either is missing or out of order.
     static QString getBody(QString text, QString open, QString close);
 
+    /// Where a body lies in a text.
+    struct BodyPlace
+    {
+        int m_nStart = -1;  ///< -1 when there is none.
+        int m_nLength = 0;
+    };
+    /// The place of what getBody returns; takes no memory.
+    static BodyPlace findBody(const QString& text, QStringView open, QStringView close);
+
     /// As getBody, and cuts the element out of the text, its markers included; without a body the text stays as it is.
     static QString getAndRemoveBody(QString& text, QString open, QString close);
 

@@ -22,6 +22,8 @@ public:
     void numberInto(int& value, const char* tag) const;  ///< Leaves value alone when absent or malformed.
 
 private:
+    QStringRef body(const char* tag) const;  ///< Null when the element is absent. Takes no memory.
+
     QString m_strText;
 };
 

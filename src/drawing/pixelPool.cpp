@@ -2,7 +2,6 @@
 
 #include "threadAnnotations.h"
 
-#include <deque>
 #include <memory>
 #include <new>
 #include <utility>
@@ -19,6 +18,8 @@ struct Buffer
 class Pool
 {
 public:
+    Pool() { m_vecFree.reserve(PooledPixels::MaxFreeBuffers + 1); }
+
     /// The smallest free buffer that fits and is not wastefully large; a new one when there is none.
     Buffer take(std::size_t byteNum)
     {
@@ -33,42 +34,42 @@ public:
         std::vector<Buffer> surplus;  // freed after the lock
         const Guard guard(m_cMutex);
         m_nFreeBytes += buffer.m_nCapacity;
-        m_lstFree.push_back(std::move(buffer));
-        while (m_lstFree.size() > PooledPixels::MaxFreeBuffers || m_nFreeBytes > PooledPixels::MaxFreeBytes) {
-            m_nFreeBytes -= m_lstFree.front().m_nCapacity;
-            surplus.push_back(std::move(m_lstFree.front()));
-            m_lstFree.pop_front();
+        m_vecFree.push_back(std::move(buffer));
+        while (m_vecFree.size() > PooledPixels::MaxFreeBuffers || m_nFreeBytes > PooledPixels::MaxFreeBytes) {
+            m_nFreeBytes -= m_vecFree.front().m_nCapacity;
+            surplus.push_back(std::move(m_vecFree.front()));
+            m_vecFree.erase(m_vecFree.begin());
         }
     }
 
     PooledPixels::PoolState state()
     {
         const Guard guard(m_cMutex);
-        return {m_nAllocations, m_lstFree.size(), m_nFreeBytes};
+        return {m_nAllocations, m_vecFree.size(), m_nFreeBytes};
     }
 
 private:
     Buffer takeFree(std::size_t byteNum)
     {
         const Guard guard(m_cMutex);
-        auto best = m_lstFree.end();
-        for (auto it = m_lstFree.begin(); it != m_lstFree.end(); ++it) {
+        auto best = m_vecFree.end();
+        for (auto it = m_vecFree.begin(); it != m_vecFree.end(); ++it) {
             const bool fits = it->m_nCapacity >= byteNum && it->m_nCapacity / 2 <= byteNum;
-            if (fits && (best == m_lstFree.end() || it->m_nCapacity < best->m_nCapacity))
+            if (fits && (best == m_vecFree.end() || it->m_nCapacity < best->m_nCapacity))
                 best = it;
         }
-        if (best == m_lstFree.end()) {
+        if (best == m_vecFree.end()) {
             ++m_nAllocations;
             return {};
         }
         Buffer found = std::move(*best);
-        m_lstFree.erase(best);
+        m_vecFree.erase(best);
         m_nFreeBytes -= found.m_nCapacity;
         return found;
     }
 
-    Mutex m_cMutex;                                     ///< Innermost.
-    std::deque<Buffer> m_lstFree GUARDED_BY(m_cMutex);  ///< In the order in which they came back.
+    Mutex m_cMutex;                                      ///< Innermost.
+    std::vector<Buffer> m_vecFree GUARDED_BY(m_cMutex);  ///< In the order in which they came back.
     std::size_t m_nFreeBytes GUARDED_BY(m_cMutex) = 0;
     std::int64_t m_nAllocations GUARDED_BY(m_cMutex) = 0;
 };

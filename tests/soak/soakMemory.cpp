@@ -17,6 +17,11 @@ std::int64_t SoakMemory::liveBytes()
     return static_cast<std::int64_t>(__sanitizer_get_current_allocated_bytes());
 }
 
+SoakMemory::Requests SoakMemory::requestsOfThisThread()
+{
+    return {};
+}
+
 bool SoakMemory::isResidentTelling()
 {
     return false;
@@ -36,8 +41,12 @@ namespace {
 
 std::atomic<std::int64_t> s_nLive{0};
 
-void* counted(void* memory)
+thread_local SoakMemory::Requests s_cRequests;
+
+void* counted(void* memory, std::size_t asked)
 {
+    ++s_cRequests.m_nAll;
+    s_cRequests.m_nLarge += asked >= SoakMemory::Requests::LargeBytes;
     s_nLive.fetch_add(static_cast<std::int64_t>(malloc_usable_size(memory)), std::memory_order_relaxed);
     return memory;
 }
@@ -54,12 +63,12 @@ extern "C" {
 
 void* malloc(std::size_t size)
 {
-    return counted(__libc_malloc(size));
+    return counted(__libc_malloc(size), size);
 }
 
 void* calloc(std::size_t count, std::size_t size)
 {
-    return counted(__libc_calloc(count, size));
+    return counted(__libc_calloc(count, size), count * size);
 }
 
 void* realloc(void* memory, std::size_t size)
@@ -68,24 +77,24 @@ void* realloc(void* memory, std::size_t size)
     void* const result = __libc_realloc(memory, size);
     if (result || size == 0) {
         s_nLive.fetch_sub(before, std::memory_order_relaxed);
-        counted(result);
+        counted(result, size);
     }
     return result;
 }
 
 void* memalign(std::size_t alignment, std::size_t size)
 {
-    return counted(__libc_memalign(alignment, size));
+    return counted(__libc_memalign(alignment, size), size);
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t size)
 {
-    return counted(__libc_memalign(alignment, size));
+    return counted(__libc_memalign(alignment, size), size);
 }
 
 int posix_memalign(void** memory, std::size_t alignment, std::size_t size)
 {
-    void* const result = counted(__libc_memalign(alignment, size));
+    void* const result = counted(__libc_memalign(alignment, size), size);
     if (!result)
         return ENOMEM;
     *memory = result;
@@ -103,6 +112,11 @@ void free(void* memory)
 std::int64_t SoakMemory::liveBytes()
 {
     return s_nLive.load(std::memory_order_relaxed);
+}
+
+SoakMemory::Requests SoakMemory::requestsOfThisThread()
+{
+    return s_cRequests;
 }
 
 bool SoakMemory::isResidentTelling()
