@@ -42,7 +42,7 @@ int main(int argc, char* argv[])
         QMainWindow window;
         return showUntilPainted(window);
     }
-    MemoryArenas::limit();
+    MemoryArenas::setUp();
     StartUp::preparePixels();
     QApplication application(argc, argv);
     QtTexts::makeChinese();

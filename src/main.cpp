@@ -8,7 +8,7 @@
 
 int main(int argc, char* argv[])
 {
-    MemoryArenas::limit();
+    MemoryArenas::setUp();
     StartUp::preparePixels();
     BareScreen::prepare(argc, argv);
     QApplication application(argc, argv);

@@ -5,15 +5,23 @@
 namespace MemoryArenas {
 
 /**
- * Lets all threads share two of malloc's arenas, where the C library has such a setting. For the start of a program.
+ * Says how malloc keeps memory, where the C library has such settings. For the start of a program.
  *
- * Each arena keeps holes that the others cannot use. With the usual number, eight for each processor, a program whose
- * tasks start and stop for weeks needs ever more memory for the same pictures.
+ * All threads share two arenas. Each keeps holes that the others cannot use: with the usual number, eight for each
+ * processor, a program whose tasks start and stop for weeks needs ever more memory for the same pictures.
+ *
+ * Buffers of a picture's size come from the arenas, which keep up to 64 MiB of freed memory each. Otherwise every step
+ * that needs one gets pages from the system, clears them by touching them, and gives them back. On 32 bits the C library
+ * does not allow it; there large buffers remain the system's.
  */
-inline void limit()
+inline void setUp()
 {
 #if defined(M_ARENA_MAX)
     mallopt(M_ARENA_MAX, 2);
+#endif
+#if defined(M_MMAP_THRESHOLD) && defined(M_TRIM_THRESHOLD)
+    if (mallopt(M_MMAP_THRESHOLD, 32 << 20))
+        mallopt(M_TRIM_THRESHOLD, 64 << 20);
 #endif
 }
 

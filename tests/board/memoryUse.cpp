@@ -185,7 +185,7 @@ int main(int argc, char* argv[])
         std::fprintf(stderr, "usage: %s SECONDS\n", argv[0]);
         return 2;
     }
-    MemoryArenas::limit();
+    MemoryArenas::setUp();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     std::printf("%-58s %10s %10s\n", "KiB", "heap", "resident");

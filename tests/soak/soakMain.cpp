@@ -72,7 +72,7 @@ int soak(double minutes, quint64 seed)
 
 int main(int argc, char* argv[])
 {
-    MemoryArenas::limit();
+    MemoryArenas::setUp();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     if (argc != 3 || std::atof(argv[1]) <= 0) {

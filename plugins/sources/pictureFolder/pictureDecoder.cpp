@@ -65,14 +65,16 @@ bool isListedFormat(const QByteArray& format)
 void copyGrayRow(const QImage& image, int y, unsigned char* target)
 {
     const uchar* source = image.constScanLine(y);
-    for (int x = 0; x < image.width(); ++x, target += 3)
+    const int width = image.width();
+    for (int x = 0; x < width; ++x, target += 3)
         target[0] = target[1] = target[2] = source[x];
 }
 
 void copyColourRow(const QImage& image, int y, unsigned char* target)
 {
     const auto* source = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-    for (int x = 0; x < image.width(); ++x, target += 3) {
+    const int width = image.width();
+    for (int x = 0; x < width; ++x, target += 3) {
         target[0] = static_cast<unsigned char>(qBlue(source[x]));
         target[1] = static_cast<unsigned char>(qGreen(source[x]));
         target[2] = static_cast<unsigned char>(qRed(source[x]));
