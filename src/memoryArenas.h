@@ -11,8 +11,8 @@ namespace MemoryArenas {
  * processor, a program whose tasks start and stop for weeks needs ever more memory for the same pictures.
  *
  * Buffers of a picture's size come from the arenas, which keep up to 64 MiB of freed memory each. Otherwise every step
- * that needs one gets pages from the system, clears them by touching them, and gives them back. On 32 bits the C library
- * does not allow it; there large buffers remain the system's.
+ * that needs one gets pages from the system, clears them by touching them, and gives them back. On 32 bits the C
+ * library does not allow it; there large buffers remain the system's.
  */
 inline void setUp()
 {
