@@ -55,8 +55,9 @@ remove_tree() {
 
 # in_tree COMMAND…: as root in the tree. /tmp is that of the machine, so that programs find its screen there.
 in_tree() {
-    with_architecture "$tree_architecture" scripts/lib/enter "$tree" "$@"
+    with_architecture "$tree_architecture" scripts/lib/enter "${TREE_OPTIONS[@]}" "$tree" "$@"
 }
+TREE_OPTIONS=()  # "--read-only FOLDER", or nothing
 
 # as_user COMMAND…: as the tree's ordinary user, in that user's home.
 as_user() {
