@@ -73,7 +73,7 @@ bool BmpWriter::canWrite(const QImage& picture)
     const bool isPlain =
         picture.format() == QImage::Format_RGB888 || (is8Bits(picture) && picture.colorCount() == PaletteColours);
     constexpr std::int64_t MostBytes = std::numeric_limits<qint32>::max() - HeaderBytes - PaletteColours * 4;
-    return isPlain && picture.height() > 0 && rowBytes(picture) <= MostBytes / picture.height();
+    return isPlain && rowBytes(picture) <= MostBytes / picture.height();  // what has a format has a row
 }
 
 bool BmpWriter::write(QIODevice& device, const QImage& picture)

@@ -34,8 +34,7 @@ public:
     explicit PartFile(const QString& folder) : m_strFolder(folder) {}
     ~PartFile() override
     {
-        close();
-        if (m_bMade && !m_bNamed)
+        if (!m_bNamed)
             QFile::remove(fileName());  // the member function refuses after a failed write
     }
     PartFile(const PartFile&) = delete;
@@ -46,11 +45,10 @@ public:
     {
         do {
             setFileName(partName(m_strFolder));
-            m_bMade = open(WriteOnly | NewOnly);
-        } while (!m_bMade && exists());
-        if (m_bMade)
+        } while (!open(WriteOnly | NewOnly) && exists());
+        if (isOpen())
             Leftovers::removeBeside(fileName());
-        return m_bMade;
+        return isOpen();
     }
 
     /// Completes the file and gives it its name; false when the disk did not take all of it.
@@ -76,7 +74,6 @@ protected:
 
 private:
     QString m_strFolder;
-    bool m_bMade = false;
     bool m_bFailed = false;
     bool m_bNamed = false;
 };

@@ -11,7 +11,8 @@ std::atomic<int> gNumber{0};
 
 namespace {
 
-/// The first string of a record as UTF-8, as much of it as fits this thread's result buffer, up to its first zero byte.
+/// The first string of a record as UTF-8, as much of it as fits this thread's result buffer, up to its first zero byte;
+/// empty when it has none.
 QString firstStringOf(const ParamStrings& record)
 {
     QString empty;
@@ -26,7 +27,7 @@ QString stringPart(const SavingOption& option, const ArithmParamMgr* store)
     if (!option.m_bStringID)
         return option.m_strStringID;
     const ParamStrings* record = store ? store->findParamStrings(option.stringRecordID()) : nullptr;
-    return record && record->getStringNum() > 0 ? firstStringOf(*record) : QString();
+    return record ? firstStringOf(*record) : QString();
 }
 
 QString timeStamp()

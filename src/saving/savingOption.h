@@ -10,8 +10,7 @@ struct SavingOption
     enum Identity
     {
         TimeStamp = 0,
-        RunningNumber = 1,
-        NoIdentity = 2
+        RunningNumber = 1  // any other number: none
     };
     static constexpr int RecordWnd = 4;  ///< m_nWnd: a picture record; below it a view pane.
 

@@ -5,6 +5,10 @@
 
 #include <QString>
 
+#include <csignal>
+
+#include <sys/resource.h>
+
 /// Option texts of saving steps, written out as the dialog writes them.
 namespace SavingSupport {
 
@@ -61,5 +65,29 @@ inline ParamDIB* plainRecord(ArithmParamMgr& store, int id, int width, int heigh
     }
     return record;
 }
+
+/// No file can grow beyond a number of bytes while this lives: a disk that runs full.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t bytes)
+    {
+        ::getrlimit(RLIMIT_FSIZE, &m_cBefore);
+        m_pfnBefore = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{bytes, m_cBefore.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_cBefore);
+        std::signal(SIGXFSZ, m_pfnBefore);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit m_cBefore{};
+    void (*m_pfnBefore)(int) = nullptr;
+};
 
 }  // namespace SavingSupport

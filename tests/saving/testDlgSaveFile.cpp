@@ -138,10 +138,17 @@ private Q_SLOTS:
         QCOMPARE(dialog.getConfigString(), QString(ViewText));
     }
 
+    void itemsThatDoNotExistFallBackToTheFirst_data()
+    {
+        QTest::addColumn<QString>("numbers");
+        QTest::newRow("far away") << "<Identity>9</Identity><Format>-1</Format><Wnd>17</Wnd>";
+        QTest::newRow("just behind the last") << "<Identity>3</Identity><Format>3</Format><Wnd>5</Wnd>";
+    }
+
     void itemsThatDoNotExistFallBackToTheFirst()
     {
-        DlgSaveFile dialog("<BasePath>/d</BasePath><Identity>9</Identity><Format>-1</Format><Wnd>17</Wnd>",
-                           m_cStore.get(), nullptr);
+        QFETCH(QString, numbers);
+        DlgSaveFile dialog("<BasePath>/d</BasePath>" + numbers, m_cStore.get(), nullptr);
         QCOMPARE(indexOf(dialog, "cmbIdentity"), 0);
         QCOMPARE(indexOf(dialog, "cmbFormat"), 0);
         QCOMPARE(indexOf(dialog, "cmbWnd"), 0);
@@ -203,6 +210,16 @@ private Q_SLOTS:
         QVERIFY(!box.isInformation());
         QVERIFY(dialog.isVisible());
         QCOMPARE(dialog.getConfigString(), QString(RecordText));
+    }
+
+    void pictureZeroIsAPictureLikeOthers()
+    {
+        DlgSaveFile dialog(RecordText, m_cStore.get(), nullptr);
+        dialog.show();
+        type(dialog, "edtSelectedPicID", "0");
+        click(dialog, "btnOK");
+        QCOMPARE(dialog.result(), int{QDialog::Accepted});
+        QVERIFY(dialog.getConfigString().contains("<PicID>0</PicID>"));
     }
 
     void anyPictureTypeIsTakenOnPurpose()

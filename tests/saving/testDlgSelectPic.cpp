@@ -39,11 +39,29 @@ private Q_SLOTS:
         DlgSelectPic dialog(m_cStore.get());
         dialog.show();
         QCOMPARE(dialog.getSelectedID(), -1);
+        QCOMPARE(dialog.getSelectedTab(), 0);
         clickCell(child<QTableWidget>(dialog, "tblRGB"), 1);
         click(dialog, "btnOK");
         QCOMPARE(dialog.result(), int{QDialog::Accepted});
         QCOMPARE(dialog.getSelectedID(), 12);
         QCOMPARE(dialog.getSelectedTab(), 0);
+    }
+
+    void recordZeroIsARecordLikeOthers()
+    {
+        m_cStore->getParamDIB(0);
+        DlgSelectPic dialog(m_cStore.get());
+        dialog.show();
+        clickCell(child<QTableWidget>(dialog, "tblRGB"), 0);
+        click(dialog, "btnOK");
+        QCOMPARE(dialog.result(), int{QDialog::Accepted});
+        QCOMPARE(dialog.getSelectedID(), 0);
+    }
+
+    void windowHasNoButtonForHelp()
+    {
+        const DlgSelectPic dialog(m_cStore.get());
+        QVERIFY(!dialog.windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
     }
 
     void okWithoutASelectedRowDoesNothing()

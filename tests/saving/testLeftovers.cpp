@@ -1,7 +1,10 @@
 #include "pictureSupport.h"
+#include "saving/leftovers.h"
 #include "saving/pictureFile.h"
 
 #include <QtTest>
+
+#include <csignal>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -29,16 +32,26 @@ QString partOf(int process, int count = 0)
     return QStringLiteral(".lumivant-%1-%2.part").arg(process).arg(count);
 }
 
-/// Makes a file that was written to for the last time so long ago.
+/// Has a file, or a link itself, be written to for the last time so long ago.
+void setAge(const QString& path, int secondsAgo)
+{
+    const timespec then{std::time(nullptr) - secondsAgo, 0};
+    const timespec times[] = {then, then};
+    QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, AT_SYMLINK_NOFOLLOW), 0);
+}
+
 void makeFile(const QString& path, int minutesAgo)
 {
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     QVERIFY(file.write("half a picture") > 0);
     file.close();
-    const timespec then{std::time(nullptr) - minutesAgo * 60, 0};
-    const timespec times[] = {then, then};
-    QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+    setAge(path, minutesAgo * 60);
+}
+
+int openFiles()
+{
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
 }
 
 bool savePicture(const Folder& folder)
@@ -98,8 +111,7 @@ private Q_SLOTS:
         const Folder folder;
         const QString path = folder.path(qPrintable(partOf(endedProcess())));
         QVERIFY(QDir().mkdir(path));
-        const timespec times[] = {{std::time(nullptr) - 7200, 0}, {std::time(nullptr) - 7200, 0}};
-        QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+        setAge(path, 7200);
         QVERIFY(savePicture(folder));
         QVERIFY(QFileInfo(path).isDir());
     }
@@ -110,6 +122,7 @@ private Q_SLOTS:
         makeFile(folder.path("picture.bmp"), 120);
         const QString link = folder.path(qPrintable(partOf(endedProcess())));
         QVERIFY(QFile::link(folder.path("picture.bmp"), link));
+        setAge(link, 7200);
         QVERIFY(savePicture(folder));
         QVERIFY(QFileInfo(link).isSymLink());
         QVERIFY(QFile::exists(folder.path("picture.bmp")));
@@ -118,11 +131,97 @@ private Q_SLOTS:
     void folderIsLookedThroughWhenItsFirstPictureIsSaved()
     {
         const Folder folder;
+        const Folder other;
         QVERIFY(savePicture(folder));
+        QVERIFY(savePicture(other));
         const QString late = folder.path(qPrintable(partOf(endedProcess())));
         makeFile(late, 120);
         QVERIFY(savePicture(folder));
         QVERIFY(QFile::exists(late));
+    }
+
+    void folderIsLookedThroughAgainAfterThousandsOfOthers()
+    {
+        const Folder folder;
+        QVERIFY(savePicture(folder));
+        const QString late = folder.path(qPrintable(partOf(endedProcess())));
+        makeFile(late, 120);
+        for (int i = 0; i < 5000; ++i)
+            Leftovers::removeBeside(folder.path(QStringLiteral("no such folder %1/cam.bmp").arg(i)));
+        QVERIFY(savePicture(folder));
+        QVERIFY(!QFile::exists(late));
+    }
+
+    void hourIsOver()
+    {
+        const Folder folder;
+        const QString path = folder.path(qPrintable(partOf(endedProcess())));
+        makeFile(path, 60);
+        setAge(path, 3601);
+        QVERIFY(savePicture(folder));
+        QVERIFY(!QFile::exists(path));
+    }
+
+    void processThatIsAskedForGoesOn()
+    {
+        const Folder folder;
+        const pid_t child = ::fork();
+        if (child == 0) {
+            std::signal(SIGHUP, SIG_DFL);
+            ::pause();
+            ::_exit(0);
+        }
+        // Among others, whatever the order that the folder has them in.
+        const int ended = endedProcess();
+        for (int i = 0; i < 20; ++i) {
+            makeFile(folder.path(partOf(child, i)), 120);
+            makeFile(folder.path(partOf(ended, i)), 120);
+        }
+        QVERIFY(savePicture(folder));
+        const QStringList names = folder.names();
+        ::kill(child, SIGKILL);
+        int status = 0;
+        QCOMPARE(::waitpid(child, &status, 0), child);
+        QVERIFY(WIFSIGNALED(status));
+        QCOMPARE(WTERMSIG(status), SIGKILL);
+        QCOMPARE(names.size(), 20 + 1);
+        for (int i = 0; i < 20; ++i)
+            QVERIFY(names.contains(partOf(child, i)));
+    }
+
+    void processOfAnotherUserLives()
+    {
+        // The first process of all belongs to the super user; an ordinary one may not even ask for it.
+        const Folder folder;
+        const QString ofFirst = folder.path(qPrintable(partOf(1)));
+        const QString ofEnded = folder.path(qPrintable(partOf(endedProcess())));
+        makeFile(ofFirst, 120);
+        makeFile(ofEnded, 120);
+        const QByteArray made = QFile::encodeName(folder.write("picture", "cam.bmp"));
+        QCOMPARE(::chmod(QFile::encodeName(folder.path()).constData(), 0777), 0);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            constexpr uid_t Nobody = 65534;
+            const bool isOrdinary = ::geteuid() != 0 || ::setresuid(Nobody, Nobody, Nobody) == 0;
+            if (isOrdinary)
+                Leftovers::removeBeside(QString::fromLocal8Bit(made));
+            ::_exit(isOrdinary ? 0 : 1);
+        }
+        int status = 0;
+        QCOMPARE(::waitpid(child, &status, 0), child);
+        QCOMPARE(status, 0);
+        QVERIFY(!QFile::exists(ofEnded));
+        QVERIFY(QFile::exists(ofFirst));
+    }
+
+    void lookingThroughAFolderLeavesNoFileOpen()
+    {
+        const int before = openFiles();
+        for (int i = 0; i < 20; ++i) {
+            const Folder folder;
+            QVERIFY(savePicture(folder));
+        }
+        QCOMPARE(openFiles(), before);
     }
 
     void allOfThemGo()

@@ -1,11 +1,17 @@
-#include "pictureSupport.h"
 #include "saving/pictureFile.h"
+#include "savingSupport.h"
 
 #include <QtTest>
 
 #include <random>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 using namespace PictureSupport;
+using namespace SavingSupport;
 
 namespace {
 
@@ -126,6 +132,89 @@ private Q_SLOTS:
             const int expected = bytesOf(m_cFolder.save(picture, "qt.png")).size();
             QVERIFY(bytesOf(m_cFolder.path("ours.png")).size() <= expected * 1.1 + 1000);
         }
+    }
+
+    void whatCannotBeWrittenIsRefusedAndTouchesNothing_data()
+    {
+        QTest::addColumn<QImage>("picture");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("no picture") << QImage() << "a.bmp";
+        QTest::newRow("no format of that name") << plainPicture(2, 2, 0xFF102030) << "a.xyz";
+        QTest::newRow("no suffix") << plainPicture(2, 2, 0xFF102030) << "a";
+    }
+
+    void whatCannotBeWrittenIsRefusedAndTouchesNothing()
+    {
+        QFETCH(QImage, picture);
+        QFETCH(QString, name);
+        const Folder folder;
+        const timespec longAgo[] = {{1000000000, 0}, {1000000000, 0}};
+        QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(folder.path()).constData(), longAgo, 0), 0);
+        QVERIFY(!PictureFile::write(picture, folder.path(name)));
+        QCOMPARE(folder.names(), QStringList());
+        // Not even a hidden file that came and went.
+        QCOMPARE(QFileInfo(folder.path()).lastModified().toSecsSinceEpoch(), qint64{1000000000});
+    }
+
+    void fullDiskIsReported_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char* name : {"a.bmp", "a.png", "a.jpg"})
+            QTest::newRow(name) << name;
+    }
+
+    void fullDiskIsReported()
+    {
+        QFETCH(QString, name);
+        const Folder folder;
+        const QImage picture = pictureOf(QImage::Format_RGB888, QSize(200, 100), Noisy);
+        const FullDisk disk(4096);
+        QVERIFY(!PictureFile::write(picture, folder.path(name)));
+        QCOMPARE(folder.names(), QStringList());
+    }
+
+    void placeThatCannotBeWrittenIsRefused()
+    {
+        const Folder folder;
+        QVERIFY(QDir(folder.path()).mkdir("a.bmp"));
+        const QImage picture = plainPicture(2, 2, 0xFF102030);
+        QVERIFY(!PictureFile::write(picture, folder.path("a.bmp")));
+        QVERIFY(!PictureFile::write(picture, folder.path("no such folder/a.bmp")));
+        QCOMPARE(folder.names(), QStringList{"a.bmp"});
+    }
+
+    void fileThatMayNotBeWrittenIsLeftAlone()
+    {
+        const Folder folder;
+        const QString path = folder.write("kept", "a.bmp");
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+        QCOMPARE(::chmod(QFile::encodeName(folder.path()).constData(), 0777), 0);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            // The super user may write everything.
+            constexpr uid_t Nobody = 65534;
+            const bool isOrdinary = ::geteuid() != 0 || ::setresuid(Nobody, Nobody, Nobody) == 0;
+            const QImage picture = plainPicture(2, 2, 0xFF102030);
+            ::_exit(isOrdinary && PictureFile::write(picture, folder.path("b.bmp")) &&
+                            !PictureFile::write(picture, path)
+                        ? 0
+                        : 1);
+        }
+        int status = -1;
+        QCOMPARE(::waitpid(child, &status, 0), child);
+        QCOMPARE(status, 0);
+        QCOMPARE(bytesOf(path), QByteArray("kept"));
+        QCOMPARE(folder.names(), (QStringList{"a.bmp", "b.bmp"}));
+    }
+
+    void linkThatLeadsNowhereIsReplaced()
+    {
+        const Folder folder;
+        QVERIFY(QFile::link(folder.path("gone.bmp"), folder.path("cam.bmp")));
+        QVERIFY(PictureFile::write(plainPicture(3, 2, 0xFF102030), folder.path("cam.bmp")));
+        QCOMPARE(folder.names(), QStringList{"cam.bmp"});
+        QVERIFY(!QFileInfo(folder.path("cam.bmp")).isSymLink());
+        QCOMPARE(QImage(folder.path("cam.bmp")).size(), QSize(3, 2));
     }
 
     void paletteOfOtherColoursIsLeftToQt()

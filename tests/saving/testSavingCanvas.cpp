@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <limits>
 #include <thread>
 
 using namespace PictureSupport;
@@ -170,8 +171,16 @@ private Q_SLOTS:
         m_pcView->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_pcView.get()));
         GlobalFunction::getInstance()->removeView(View);
-        saveOnATaskThread();
+        // A wait is a second at least; on a busy machine one of some saves is quicker all the same.
+        qint64 quickest = std::numeric_limits<qint64>::max();
+        for (int attempt = 0; attempt < 20 && quickest >= 900; ++attempt) {
+            QElapsedTimer timer;
+            timer.start();
+            saveOnATaskThread();
+            quickest = qMin(quickest, timer.elapsed());
+        }
         QCOMPARE(m_pcFolder->names(), QStringList{"cam.bmp"});
+        QVERIFY2(quickest < 900, qPrintable(QString::number(quickest)));
     }
 
     void savedCanvasIsNeverHalfOfAnotherPaint()

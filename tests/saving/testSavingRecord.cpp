@@ -4,10 +4,7 @@
 #include <QFileInfo>
 #include <QtTest>
 
-#include <csignal>
-
 #include <sys/fsuid.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace PictureSupport;
@@ -30,30 +27,6 @@ public:
 
 private:
     static constexpr uid_t Nobody = 65534;
-};
-
-/// No file can grow beyond a number of bytes while this lives: a disk that runs full.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        ::getrlimit(RLIMIT_FSIZE, &m_cBefore);
-        m_pfnBefore = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{bytes, m_cBefore.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_cBefore);
-        std::signal(SIGXFSZ, m_pfnBefore);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    rlimit m_cBefore{};
-    void (*m_pfnBefore)(int) = nullptr;
 };
 
 }  // namespace
@@ -129,8 +102,8 @@ private Q_SLOTS:
     void greyRecordOfAnyWidthIsWritten_data()
     {
         QTest::addColumn<int>("width");
-        QTest::newRow("padded copy") << 5;
-        QTest::newRow("own bytes") << 8;
+        QTest::newRow("rows of odd length") << 5;
+        QTest::newRow("rows of four bytes each") << 8;
         QTest::newRow("one pixel") << 1;
     }
 
@@ -152,6 +125,33 @@ private Q_SLOTS:
             QCOMPARE(picture.pixel(i % width, i / width), qRgb(value, value, value));
         }
         QCOMPARE(bytesOf(*record), before);
+    }
+
+    void greyRecordOfOddWidthIsWrittenInEveryFormat_data()
+    {
+        QTest::addColumn<int>("format");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("jpg") << 0 << "cam.jpg";
+        QTest::newRow("png") << 1 << "cam.png";
+        QTest::newRow("bmp") << 2 << "cam.bmp";
+    }
+
+    void greyRecordOfOddWidthIsWrittenInEveryFormat()
+    {
+        QFETCH(int, format);
+        QFETCH(QString, name);
+        const ParamGray8* record = greyRecord(3, 21, 19);
+        QImage expected(21, 19, QImage::Format_Indexed8);  // with rows of 24 bytes
+        for (int i = 0; i < 256; ++i)
+            expected.setColor(i, qRgb(i, i, i));
+        for (int i = 0; i < 21 * 19; ++i)
+            expected.scanLine(i / 21)[i % 21] = record->getGray8()[i];
+        m_cOption.type = QStringLiteral("Gray");
+        m_cOption.format = format;
+        save();
+        const QImage picture(m_pcFolder->path(name));
+        QCOMPARE(picture.size(), QSize(21, 19));
+        QCOMPARE(picture, QImage(m_pcFolder->save(expected, "qt" + name)));
     }
 
     void jpegIsWritten()
@@ -192,6 +192,7 @@ private Q_SLOTS:
         QFETCH(int, wnd);
         plainRecord(*m_cStore, 3, 2, 2, 0xFF102030);
         greyRecord(3, 2, 2);
+        greyRecord(-7, 2, 2);
         m_cStore->getParamDIB(5);
         m_cStore->getParamGray8(5);
         m_cOption.type = type;
@@ -200,7 +201,7 @@ private Q_SLOTS:
         save();
         QCOMPARE(m_pcFolder->names(), QStringList());
         QCOMPARE(m_cStore->requestParamDIBMap()->keys(), (QList<int>{3, 5}));
-        QCOMPARE(m_cStore->requestParamGray8Map()->keys(), (QList<int>{3, 5}));
+        QCOMPARE(m_cStore->requestParamGray8Map()->keys(), (QList<int>{-7, 3, 5}));
         QCOMPARE(execute<Saving>(m_cOption.text(), nullptr), QString());
         QCOMPARE(m_pcFolder->names(), QStringList());
     }
