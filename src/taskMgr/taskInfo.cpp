@@ -17,7 +17,6 @@ TaskInfo::~TaskInfo()
 {
     m_bStopRequested.store(true);
     waitUntilThreadIsGone();
-    m_hThread = {};
     disconnectEvents();
     delete m_pcDataSource;
     GlobalFunction::getInstance()->dropOptionsOf(m_pcStore);  // they read from the store

@@ -10,8 +10,6 @@
 #include <QPointer>
 #include <QString>
 
-#include <pthread.h>
-
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -199,7 +197,6 @@ private:
     std::atomic<bool> m_bThreadFinished{true};  ///< Set by the task thread when its work is done.
     std::atomic<CallBack> m_pfnMessage{nullptr};
     std::atomic<CallBack> m_pfnPrint{nullptr};
-    pthread_t m_hThread{};                         ///< 0 when none.
     const std::shared_ptr<RunState> m_pcRunState;  ///< Shared with the thread.
     std::vector<char> m_vecScratch;                ///< The option text that an algorithm gets and may scribble on.
     std::atomic<long long> m_nPassNum{0};

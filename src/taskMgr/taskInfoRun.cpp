@@ -4,6 +4,7 @@
 #include "taskMgr/taskMgr.h"
 #include "threadGuards.h"
 
+#include <pthread.h>
 #include <sched.h>
 #include <sys/resource.h>
 
@@ -63,16 +64,14 @@ void TaskInfo::startTask()
 {
     if (m_bRunning.load())
         return;
-    // The thread of the run before has nothing left to do but to say that it is gone.
-    m_bStopRequested.store(true);
-    waitUntilThreadIsGone();
+    waitUntilThreadIsGone();  // that of the run before has nothing left to do but to say so
     if (m_pcDataSource)
         TaskMgr::stopBeforeSourcesGo();
     markBegun();
     showRunning();  // before there is a thread: an open editor in the flow table commits into the steps here
-    if (pthread_create(&m_hThread, nullptr, &TaskInfo::threadTaskFunc, this) == 0)
-        return;
-    m_hThread = {};
+    pthread_t thread{};
+    if (pthread_create(&thread, nullptr, &TaskInfo::threadTaskFunc, this) == 0)
+        return;  // it detaches itself
     markEnded();
     markGone(*m_pcRunState);
     showIdle();
@@ -173,7 +172,6 @@ void TaskInfo::waitUntilStopped()
         while (!m_bThreadFinished.load())
             lock.wait(m_pcRunState->m_cChanged);
     }
-    m_hThread = {};
     m_bStopRequested.store(false);
     m_bRunning.store(false);
     showIdle();
@@ -206,7 +204,6 @@ void TaskInfo::threadFinishedArrived(QString message, bool stopped)
         callBack(message);
     if (!self || run != currentRun())
         return;
-    m_hThread = {};
     m_bRunning.store(false);
     showIdle();
 }

@@ -20,6 +20,7 @@ private Q_SLOTS:
     void skipMovesOn();
     void skipOfZeroRepeatsTheStep();
     void hugeSkipsNeverOverflow();
+    void timeOfAStepThatSkipsFarIsShownNowhere();
     void printSendsItsTextAndSucceeds();
     void stopSendsItsTextAndEndsTheTaskWithoutAMessage();
     void textBesideCommandsIsAnError();
@@ -29,6 +30,8 @@ private Q_SLOTS:
     void noCallBackIsNoHarm();
     void stepErrorNamesTheAlgorithmAndGoesToTheDebugLog();
     void missingAlgorithmEndsThePassWithoutABlank();
+    void stepWithoutAnIdentifierIsMissing();
+    void failureOfASingleRunIsReportedOnce();
     void messageStaysWhereAResultIsEmpty();
     void endStepsObeyPrintAlone_data();
     void endStepsObeyPrintAlone();
@@ -161,6 +164,22 @@ void tstResultProtocol::hugeSkipsNeverOverflow()
     }
 }
 
+void tstResultProtocol::timeOfAStepThatSkipsFarIsShownNowhere()
+{
+    // Three skips that lead from the second step to place 2^32 + 1: row 1, for whoever counts with 32 bits.
+    const QString result = QStringLiteral("<CMD>skip:2147483647</CMD><CMD>skip:2147483647</CMD><CMD>skip:5</CMD>");
+    auto task = makeTask({step("a"), probeStep(QStringLiteral("b"), result), step("c")});
+    const Tab tab(*task);
+    QString message;
+
+    QVERIFY(task->runOnce(message, true, -1, -1));
+
+    QCOMPARE(Probes::trace(), QStringLiteral("a,b"));
+    QVERIFY(!tab.cell(0, 2).isEmpty());
+    QCOMPARE(tab.cell(1, 2), QString());
+    QCOMPARE(tab.cell(2, 2), QString());
+}
+
 void tstResultProtocol::printSendsItsTextAndSucceeds()
 {
     auto task = makeTask({step("a", "<CMD>print:hello</CMD>"), step("b")});
@@ -267,6 +286,29 @@ void tstResultProtocol::missingAlgorithmEndsThePassWithoutABlank()
 
     QCOMPARE(message, QStringLiteral("Arithm\"缺\"is not existed."));
     QCOMPARE(Probes::trace(), QStringLiteral("a,a"));
+}
+
+void tstResultProtocol::stepWithoutAnIdentifierIsMissing()
+{
+    TaskItem nameless = missingStep();
+    nameless.m_strArithmID.clear();
+    nameless.m_strOption.clear();
+    auto task = makeTask({nameless});
+    QString message;
+
+    QVERIFY(!pass(*task, message));
+
+    QCOMPARE(message, QStringLiteral("Arithm\"缺\"is not existed."));
+}
+
+void tstResultProtocol::failureOfASingleRunIsReportedOnce()
+{
+    auto task = makeTask({missingStep(), step("end", "", 999999999)});
+
+    task->runTaskOnce();
+
+    QCOMPARE(Reports::messages(), QStringList{QStringLiteral("Arithm\"缺\"is not existed.")});
+    QCOMPARE(Probes::trace(), QStringLiteral("end"));
 }
 
 void tstResultProtocol::messageStaysWhereAResultIsEmpty()
