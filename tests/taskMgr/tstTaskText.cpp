@@ -102,6 +102,7 @@ private Q_SLOTS:
     void equalTextsOfNeighbouringStepsShareTheirMemory();
     void savedTextIsTheWholeTextWithoutEmptyLines();
     void savedTextCollapsesLineEndsAcrossItsPieces();
+    void savedTextOfNothingButLineEndsIsOne();
 };
 
 void tstTaskText::everyFieldOfALaidOutTaskIsRead()
@@ -239,6 +240,15 @@ void tstTaskText::savedTextCollapsesLineEndsAcrossItsPieces()
     }
 
     QVERIFY(saved.finish() == ProjectText::collapseEmptyLines(whole).toUtf8());
+}
+
+void tstTaskText::savedTextOfNothingButLineEndsIsOne()
+{
+    ProjectText::Saved saved(1);
+    saved.text() += QString(40000, QLatin1Char('\n'));
+    saved.keepShort();
+
+    QCOMPARE(saved.finish(), QByteArray("\n"));
 }
 
 QTEST_GUILESS_MAIN(tstTaskText)
