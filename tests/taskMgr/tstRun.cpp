@@ -586,7 +586,7 @@ void tstRun::endedRunsGiveTheirStacksBack()
         }
     };
     runs(10);
-    const long before = addressSpaceBytes();
+    const qint64 before = addressSpaceBytes();
 
     runs(40);
 

@@ -137,7 +137,7 @@ void tstRunSafety::endedThreadsLeaveNothingBehind()
     auto task = makeTask({}, Paced);
     task->startTask();
     task->stopTask();
-    const long before = addressSpaceBytes();
+    const qint64 before = addressSpaceBytes();
 
     for (int run = 0; run < RunNum; ++run) {
         task->startTask();

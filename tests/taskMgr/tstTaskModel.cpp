@@ -372,7 +372,7 @@ void tstTaskModel::deletedTaskGivesItsPicturesBack()
     constexpr int TaskNum = 20;
     constexpr int Width = 8000;
     constexpr int Height = 5000;
-    const long before = residentBytes();
+    const qint64 before = residentBytes();
 
     for (int i = 0; i < TaskNum; ++i) {
         auto task = makeSourcelessTask();

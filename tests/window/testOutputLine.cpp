@@ -141,7 +141,7 @@ void TestOutputLine::floodGrowsNoMemory()
     const WindowFixture fixture;
     const QString message = QStringLiteral("the same text");
     printInThread(message);
-    const long before = residentBytes();
+    const qint64 before = residentBytes();
     // The event loop rests meanwhile: whatever is posted piles up.
     std::thread([message] {
         for (int n = 0; n < 500000; ++n)
