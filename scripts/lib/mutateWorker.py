@@ -13,7 +13,7 @@ from mutateBatch import VARIABLE, combined, wrong_variants
 from mutateScratch import CORE, STORE, Failure, run
 
 STORE_NAME = "libArithmParamMgr.so.1"
-LIMITS = ["--core=0", f"--fsize={256 << 20}"]
+LIMITS = ["--core=0", f"--fsize={512 << 20}"]
 ADDRESS_SPACE = f"--as={8 << 30}"  # Not under a sanitizer, which reserves more than there is.
 TIME_FACTOR, TIME_SLACK = 5, 6  # A test that takes longer than this hangs: factor x normal + slack in seconds.
 

@@ -31,7 +31,6 @@ DlgLoadFile::DlgLoadFile(QString config, ArithmParamMgr* store, QWidget* parent)
 {
     m_pcUi->setupUi(this);
     ReadOnlyField::show(m_pcUi->edtFilePath);
-    m_pcUi->btnBrowser->setFocus();
     parseConfigString();
 }
 
@@ -45,8 +44,7 @@ void DlgLoadFile::parseConfigString()
     setCurFile(option.m_strFilePath);
     m_pcUi->edtOutputName->setText(option.m_strOutputName);
     m_pcUi->edtPicDescribe->setText(option.m_strDescribe);
-    m_pcUi->rbGray->setChecked(option.m_bGrey);
-    m_pcUi->rbRGB->setChecked(!option.m_bGrey);
+    m_pcUi->rbGray->setChecked(option.m_bGrey);  // the form begins with the other of the two
     m_nType = option.m_nPicType;
     m_nID = option.dialogID();
 }

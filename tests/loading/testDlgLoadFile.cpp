@@ -123,6 +123,20 @@ private Q_SLOTS:
         QVERIFY(dialog.isVisible());
     }
 
+    void fileDialogAlwaysBeginsInTheWorkingFolder()
+    {
+        DlgLoadFile dialog(QString(), m_cStore.get(), nullptr);
+        dialog.show();
+        browse(dialog, m_strPath);
+        InDialog<QFileDialog> again([&](QFileDialog& box) {
+            QCOMPARE(box.directory().absolutePath(), QDir::currentPath());
+            QCOMPARE(child<QLineEdit>(box, "fileNameEdit")->text(), QString());
+            FileDialog::answer(box, m_strPath, QDialogButtonBox::Cancel);
+        });
+        click(dialog, "btnBrowser");
+        QVERIFY(again.came());
+    }
+
     void badFilesAreRefused_data()
     {
         QTest::addColumn<QByteArray>("bytes");
@@ -260,7 +274,7 @@ private Q_SLOTS:
         QVERIFY(m_cStore->requestParamDIBMap()->isEmpty());
         QCOMPARE(m_cStore->requestParamGray8Map()->size(), 1);
         const ParamGray8* record = m_cStore->requestParamGray8Map()->first();
-        QVERIFY(record->getID() != id);
+        QVERIFY(record->getID() != id && record->getID() > 0);
         QCOMPARE(record->getName(), QStringLiteral("src"));
         QCOMPARE(record->getDescribe(), QStringLiteral("camera"));
         QCOMPARE(dialog.getConfigString(), optionText(m_strPath, 1, record->getID()));
@@ -276,9 +290,23 @@ private Q_SLOTS:
         QVERIFY(m_cStore->requestParamGray8Map()->isEmpty());
         QCOMPARE(m_cStore->requestParamDIBMap()->size(), 1);
         const ParamDIB* record = m_cStore->requestParamDIBMap()->first();
-        QVERIFY(record->getID() != id);
+        QVERIFY(record->getID() != id && record->getID() > 0);
         QCOMPARE(record->getName(), QStringLiteral("src"));
         QCOMPARE(dialog.getConfigString(), optionText(m_strPath, 0, record->getID()));
+    }
+
+    void recordZeroIsReplacedAndOneOfANegativeIdentifierIsNot()
+    {
+        m_cStore->getParamDIB(0);
+        m_cStore->getParamDIB(-7);
+        for (const int id : {0, -7}) {
+            DlgLoadFile dialog(optionText(m_strPath, 0, id), m_cStore.get(), nullptr);
+            dialog.show();
+            click(dialog, "rbGray");
+            click(dialog, "btnOK");
+        }
+        QCOMPARE(m_cStore->requestParamDIBMap()->keys(), QList<int>{-7});
+        QCOMPARE(m_cStore->requestParamGray8Map()->size(), 2);
     }
 
     void existingRecordKeepsItsOldNameOnPurpose()
