@@ -47,12 +47,11 @@ bool parseHeader(const InputFile& file, Bitmap& bitmap)
     const auto height = static_cast<qint32>(number(22));
     bitmap.m_nWidth = static_cast<qint32>(number(18));
     bitmap.m_bTopDown = height < 0;
-    if (!isPlain || compression != 0 || bitmap.m_nWidth <= 0 || height == std::numeric_limits<qint32>::min())
+    const auto rows = static_cast<std::size_t>(std::abs(std::int64_t{height}));
+    // A width below 0 is a huge one here.
+    if (!isPlain || compression != 0 || !FileFormats::isReasonable(static_cast<std::size_t>(bitmap.m_nWidth), rows))
         return false;
-    bitmap.m_nHeight = std::abs(height);
-    if (!FileFormats::isReasonable(static_cast<std::size_t>(bitmap.m_nWidth),
-                                   static_cast<std::size_t>(bitmap.m_nHeight)))
-        return false;
+    bitmap.m_nHeight = static_cast<int>(rows);
     const bool is24 = bitmap.m_nBits == 24 && colours == 0 && bitmap.m_nPixels >= HeaderBytes;
     const bool is8 =
         bitmap.m_nBits == 8 && (colours == 0 || colours == 256) && bitmap.m_nPixels >= HeaderBytes + PaletteBytes;

@@ -127,7 +127,12 @@ private Q_SLOTS:
     {
         DlgLoadFile dialog(QString(), m_cStore.get(), nullptr);
         dialog.show();
-        browse(dialog, m_strPath);
+        InDialog<QFileDialog> elsewhere([&](QFileDialog& box) {
+            box.setDirectory(m_cFolder.path());
+            FileDialog::answer(box, m_strPath, QDialogButtonBox::Open);
+        });
+        click(dialog, "btnBrowser");
+        QVERIFY(elsewhere.came());
         InDialog<QFileDialog> again([&](QFileDialog& box) {
             QCOMPARE(box.directory().absolutePath(), QDir::currentPath());
             QCOMPARE(child<QLineEdit>(box, "fileNameEdit")->text(), QString());
