@@ -26,8 +26,6 @@ void leave(j_common_ptr info)
     std::longjmp(static_cast<Decoder*>(info->client_data)->m_cExit, 1);
 }
 
-void beSilent(j_common_ptr /*info*/) {}
-
 /// Nothing that warns is plain.
 void countMessage(j_common_ptr info, int level)
 {
@@ -40,7 +38,6 @@ bool readHeader(Decoder& decoder, const FileFormats::Content& content)
     jpeg_decompress_struct& info = decoder.m_cInfo;
     info.err = jpeg_std_error(&decoder.m_cErrors);
     decoder.m_cErrors.error_exit = leave;
-    decoder.m_cErrors.output_message = beSilent;
     decoder.m_cErrors.emit_message = countMessage;
     info.client_data = &decoder;
     if (setjmp(decoder.m_cExit) != 0)

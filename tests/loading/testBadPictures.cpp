@@ -235,6 +235,39 @@ private Q_SLOTS:
         QCOMPARE(PictureReader::read(path).size(), QSize(8192, 8192));
     }
 
+    void pictureThatMemoryDoesNotSufficeForGivesAnEmptyGreyRecord()
+    {
+        if (!MemoryLimit::works())
+            QSKIP("Memory cannot be limited under a sanitizer.");
+        const Store store = makeStore();
+        const Folder folder;
+        const QString path = folder.write(hugeBlackAndWhitePng(8192, 8192), "largest.png");
+        const QString text = "<FilePath>" + path + "</FilePath><BeGray>1</BeGray><PicID>3</PicID>";
+        {
+            const MemoryLimit limit(40 * MiB);
+            QCOMPARE(execute<Loading>(text, store.get()), QString());
+        }
+        QCOMPARE(store->findParamGray8(3)->getWidth(), 0);
+        QCOMPARE(execute<Loading>(text, store.get()), QString());
+        QCOMPARE(store->findParamGray8(3)->getWidth(), 8192);
+    }
+
+    void smallestPictureThatQtDecodesIsLoadedIntoItsRecordAlone()
+    {
+        QImage pixel(1, 1, QImage::Format_RGBA64);
+        pixel.fill(QColor(0x10, 0x20, 0x30));
+        const Folder folder;
+        const QString text = "<FilePath>" + folder.save(pixel, "a.png") + "</FilePath><PicID>3</PicID>";
+        const Store colour = makeStore();
+        execute<Loading>(text, colour.get());
+        QCOMPARE(bytesOf(*colour->findParamDIB(3)).left(3), QByteArray("\x10\x20\x30"));
+        QVERIFY(!colour->findParamGray8(3));
+        const Store grey = makeStore();
+        execute<Loading>(text + "<BeGray>1</BeGray>", grey.get());
+        QCOMPARE(bytesOf(*grey->findParamGray8(3)), QByteArray(1, 0x22));  // 0.587 * 32 + 0.299 * 48 + 0.114 * 16
+        QVERIFY(!grey->findParamDIB(3));
+    }
+
     void pictureThatMemoryDoesNotSufficeForGivesAnEmptyRecord()
     {
         if (!MemoryLimit::works())

@@ -98,6 +98,7 @@ private Q_SLOTS:
         QTest::newRow("text") << QByteArray("no picture at all") << "jpg";
         QTest::newRow("other suffix") << png << "bmp";
         QTest::newRow("unknown suffix") << bmp << "tif";
+        QTest::newRow("png of unknown suffix") << png << "tif";
         QTest::newRow("bitmap without its end") << bmp.left(bmp.size() - 1) << "bmp";
         QTest::newRow("bitmap header only") << bmp.left(54) << "bmp";
         QTest::newRow("half a bitmap header") << bmp.left(30) << "bmp";
@@ -105,6 +106,7 @@ private Q_SLOTS:
         QTest::newRow("jpeg with bytes behind") << jpg + "more"
                                                 << "jpg";
         QTest::newRow("half a jpeg with an end") << jpg.left(jpg.size() / 2) + QByteArray("\xFF\xD9") << "jpg";
+        QTest::newRow("jpeg that lacks its last pixels") << jpg.left(jpg.size() - 40) + QByteArray("\xFF\xD9") << "jpg";
         QTest::newRow("png without its end") << png.left(png.size() - 12) << "png";
         QTest::newRow("half a png") << png.left(png.size() / 2) << "png";
         QTest::newRow("png header only") << png.left(8) << "png";

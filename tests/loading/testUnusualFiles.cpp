@@ -140,6 +140,7 @@ private Q_SLOTS:
     void pictureOfTooManyPixelsIsNotRead();
     void fileThatIsTooLargeIsLeftToQt();
     void fileThatMemoryDoesNotSufficeForIsLeftToQt();
+    void rowThatMemoryDoesNotSufficeForIsLeftToQt();
     void reasonableSizes_data();
     void reasonableSizes();
 };
@@ -262,6 +263,21 @@ void TestUnusualFiles::fileThatMemoryDoesNotSufficeForIsLeftToQt()
     QVERIFY(!path.isEmpty());
     SparePicture picture(false);
     const MemoryLimit limit(100 * MiB);
+    QVERIFY(!DirectReader::read(path, picture));
+}
+
+void TestUnusualFiles::rowThatMemoryDoesNotSufficeForIsLeftToQt()
+{
+    if (!MemoryLimit::works())
+        QSKIP("a sanitizer needs the address space that the test takes away");
+    const Folder folder;
+    const QByteArray header = bytesAs(mixedPicture(QImage::Format_RGB888, 4, 4), "bmp").left(54);
+    const QByteArray wide = changed32(changed32(header, 18, 64 * MiB), 22, 1);
+    const QString path = sparseFile(folder, "wide.bmp", wide, 54 + 3 * 64 * qint64{MiB});
+    QVERIFY(!path.isEmpty());
+    SparePicture picture(true);
+    // Enough for the grey picture, but not for the coloured row of the file.
+    const MemoryLimit limit(150 * MiB);
     QVERIFY(!DirectReader::read(path, picture));
 }
 
