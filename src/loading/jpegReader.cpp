@@ -80,7 +80,6 @@ bool decode(Decoder& decoder, const FileFormats::Content& content, SparePicture&
     if (!readHeader(decoder, content) || !isPlain(decoder.m_cInfo))
         return false;
     const bool isColour = decoder.m_cInfo.num_components == 3;
-    decoder.m_cInfo.out_color_space = isColour ? JCS_RGB : JCS_GRAYSCALE;
     const std::size_t rowBytes = std::size_t{decoder.m_cInfo.image_width} * (isColour ? 3 : 1);
     const std::unique_ptr<unsigned char[]> scratch(new (std::nothrow) unsigned char[rowBytes]);
     if (!scratch ||

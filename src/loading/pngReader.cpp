@@ -81,7 +81,6 @@ bool readRows(Decoder& decoder, const SparePicture& picture, PictureConvert::Row
     if (setjmp(png_jmpbuf(png)) != 0)
         return false;
     png_set_strip_alpha(png);
-    png_read_update_info(png, decoder.m_pcInfo);
     const png_uint_32 width = png_get_image_width(png, decoder.m_pcInfo);
     const png_uint_32 height = png_get_image_height(png, decoder.m_pcInfo);
     for (png_uint_32 y = 0; y < height; ++y) {

@@ -131,6 +131,11 @@ private Q_SLOTS:
         QByteArray damaged = png;
         damaged[png.size() / 2] = static_cast<char>(damaged.at(png.size() / 2) ^ 0x55);
         QTest::newRow("png with a wrong byte") << damaged << "png";
+        QByteArray warns = png;
+        const int resolution = png.indexOf("pHYs");
+        QVERIFY(resolution > 0);
+        warns[resolution + 6] = static_cast<char>(warns.at(resolution + 6) ^ 0x55);
+        QTest::newRow("png with a wrong byte in what is not needed") << warns << "png";
     }
 
     void unusualOrDamagedFilesAreLeftToQt()
