@@ -166,6 +166,21 @@ private Q_SLOTS:
         QVERIFY(!DirectReader::read(QString(), picture));
     }
 
+    void readingLeavesNoFileOpen()
+    {
+        const auto openFiles = [] {
+            return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
+        };
+        const QString path = m_cFolder.save(mixedPicture(QImage::Format_RGB888, 9, 7), "a.png");
+        const int before = openFiles();
+        for (int i = 0; i < 20; ++i) {
+            SparePicture picture(false);
+            QVERIFY(DirectReader::read(path, picture));
+            QVERIFY(!DirectReader::read(m_cFolder.path("missing.png"), picture));
+        }
+        QCOMPARE(openFiles(), before);
+    }
+
     void damagedFileLeavesTheRecordAsItWas()
     {
         const Store store = makeStore();
