@@ -45,6 +45,28 @@ QByteArray runLengthBitmap()
     return bytes + QByteArray("\xC8\x05\0\0\xC8\x05\0\0\0\x01", 10);
 }
 
+/// 4 x 3 pixels of four bytes, with masks that say where the colours are.
+QByteArray maskedBitmap()
+{
+    QByteArray bytes = bitmap(4, 3, 32, 3, 0) + QByteArray::fromHex("0000ff0000ff0000ff000000");
+    qToLittleEndian<quint32>(66, bytes.data() + 10);
+    return bytes + QByteArray(48, '\x40');
+}
+
+/// 4 x 3 pixels of three bytes behind the header of the oldest kind, which has shorter fields.
+QByteArray oldestBitmap()
+{
+    QByteArray bytes = bitmap(4, 3, 24, 0, 0).left(26);
+    char* header = bytes.data();
+    qToLittleEndian<quint32>(26, header + 10);
+    qToLittleEndian<quint32>(12, header + 14);
+    qToLittleEndian<quint16>(4, header + 18);
+    qToLittleEndian<quint16>(3, header + 20);
+    qToLittleEndian<quint16>(1, header + 22);
+    qToLittleEndian<quint16>(24, header + 24);
+    return bytes + QByteArray(36, '\x40');
+}
+
 QByteArray hugeBlackAndWhitePng(int width, int height)
 {
     QImage picture(width, height, QImage::Format_Mono);
@@ -123,6 +145,10 @@ private Q_SLOTS:
         QTest::newRow("png, damaged data") << changed(png, png.size() / 2, char(~png[png.size() / 2])) << "a.png";
         QTest::newRow("bmp, half") << bmp.left(bmp.size() / 2) << "a.bmp";
         QTest::newRow("bmp, one byte short") << bmp.left(bmp.size() - 1) << "a.bmp";
+        const QByteArray odd = encoded(numberedPicture(41, 30), "bmp");
+        QTest::newRow("bmp of padded rows, one byte short") << odd.left(odd.size() - 1) << "a.bmp";
+        QTest::newRow("bmp with masks, one byte short") << maskedBitmap().left(66 + 47) << "a.bmp";
+        QTest::newRow("bmp of the oldest kind, one byte short") << oldestBitmap().left(26 + 35) << "a.bmp";
         QTest::newRow("bmp, header only") << bmp.left(54) << "a.bmp";
         QTest::newRow("bmp, half a header") << bmp.left(30) << "a.bmp";
         QTest::newRow("bmp with palette, half") << pal.left(pal.size() - 300) << "a.bmp";
@@ -131,6 +157,7 @@ private Q_SLOTS:
         QTest::newRow("jpg, two bytes") << jpg.left(2) << "a.jpg";
         QTest::newRow("bmp that claims to be huge") << bitmap(60000, 60000, 24, 0, 300) << "a.bmp";
         QTest::newRow("bmp of no width") << bitmap(0, 5, 24, 0, 300) << "a.bmp";
+        QTest::newRow("bmp of no height") << bitmap(5, 0, 24, 0, 300) << "a.bmp";
         QTest::newRow("bmp of negative width") << bitmap(-5, 5, 24, 0, 300) << "a.bmp";
         QTest::newRow("bmp of the smallest height")
             << bitmap(5, std::numeric_limits<qint32>::min(), 24, 0, 300) << "a.bmp";
@@ -291,6 +318,8 @@ private Q_SLOTS:
         QTest::addColumn<QSize>("size");
         const QByteArray jpg = encoded(numberedPicture(40, 30), "jpg");
         QTest::newRow("top-down bitmap") << bitmap(4, -3, 24, 0, 36) << QSize(4, 3);
+        QTest::newRow("bitmap with masks") << maskedBitmap() << QSize(4, 3);
+        QTest::newRow("bitmap of the oldest kind") << oldestBitmap() << QSize(4, 3);
         QTest::newRow("bitmap of runs, shorter than its pixels") << runLengthBitmap() << QSize(200, 2);
         QTest::newRow("bitmap with bytes behind it") << bitmap(4, 3, 24, 0, 99) << QSize(4, 3);
         QTest::newRow("jpg with bytes behind it") << jpg + QByteArray(500, 'x') << QSize(40, 30);
