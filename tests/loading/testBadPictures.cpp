@@ -262,23 +262,6 @@ private Q_SLOTS:
         QCOMPARE(PictureReader::read(path).size(), QSize(8192, 8192));
     }
 
-    void pictureThatMemoryDoesNotSufficeForGivesAnEmptyGreyRecord()
-    {
-        if (!MemoryLimit::works())
-            QSKIP("Memory cannot be limited under a sanitizer.");
-        const Store store = makeStore();
-        const Folder folder;
-        const QString path = folder.write(hugeBlackAndWhitePng(8192, 8192), "largest.png");
-        const QString text = "<FilePath>" + path + "</FilePath><BeGray>1</BeGray><PicID>3</PicID>";
-        {
-            const MemoryLimit limit(40 * MiB);
-            QCOMPARE(execute<Loading>(text, store.get()), QString());
-        }
-        QCOMPARE(store->findParamGray8(3)->getWidth(), 0);
-        QCOMPARE(execute<Loading>(text, store.get()), QString());
-        QCOMPARE(store->findParamGray8(3)->getWidth(), 8192);
-    }
-
     void smallestPictureThatQtDecodesIsLoadedIntoItsRecordAlone()
     {
         QImage pixel(1, 1, QImage::Format_RGBA64);
@@ -295,21 +278,35 @@ private Q_SLOTS:
         QVERIFY(!grey->findParamDIB(3));
     }
 
+    void pictureThatMemoryDoesNotSufficeForGivesAnEmptyRecord_data()
+    {
+        QTest::addColumn<bool>("grey");
+        QTest::addColumn<int>("limitMiB");
+        QTest::newRow("colour") << false << 100;
+        QTest::newRow("grey") << true << 40;
+    }
+
     void pictureThatMemoryDoesNotSufficeForGivesAnEmptyRecord()
     {
         if (!MemoryLimit::works())
             QSKIP("Memory cannot be limited under a sanitizer.");
+        QFETCH(bool, grey);
+        QFETCH(int, limitMiB);
         const Store store = makeStore();
         const Folder folder;
         const QString path = folder.write(hugeBlackAndWhitePng(8192, 8192), "largest.png");
-        const QString text = "<FilePath>" + path + "</FilePath><PicID>3</PicID>";
+        const QString text =
+            QStringLiteral("<FilePath>%1</FilePath><BeGray>%2</BeGray><PicID>3</PicID>").arg(path).arg(grey ? 1 : 0);
+        const auto width = [&] {
+            return grey ? store->findParamGray8(3)->getWidth() : store->findParamDIB(3)->getWidth();
+        };
         {
-            const MemoryLimit limit(100 * MiB);
+            const MemoryLimit limit(static_cast<std::size_t>(limitMiB) * MiB);
             QCOMPARE(execute<Loading>(text, store.get()), QString());
         }
-        QCOMPARE(store->findParamDIB(3)->getWidth(), 0);
+        QCOMPARE(width(), 0);
         QCOMPARE(execute<Loading>(text, store.get()), QString());
-        QCOMPARE(store->findParamDIB(3)->getWidth(), 8192);
+        QCOMPARE(width(), 8192);
     }
 
     void goodFilesOfOddMakeAreRead_data()
