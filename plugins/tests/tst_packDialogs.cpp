@@ -145,7 +145,7 @@ void TestPackDialogs::newStepMakesItsOutputs()
     QFETCH(QString, name);
     QFETCH(int, outputs);
     const StorePtr store = filledStore();
-    const QString option = AlgorithmLibrary(name).configure(QString(), store.get(), acceptDialog);
+    const QString option = AlgorithmLibrary(name).configure(QString(), store.get(), &acceptDialog);
     const bool colour = name == "toGray" || name == "toGray16" || name == "blur";
     QVERIFY(option.contains(colour ? "<InputType>RGB</InputType><InputID>1</InputID>"
                                    : "<InputType>Gray8</InputType><InputID>2</InputID>"));
@@ -169,9 +169,9 @@ void TestPackDialogs::reopenedStepKeepsItsIdentifiers()
     QFETCH(QString, name);
     const StorePtr store = filledStore();
     const AlgorithmLibrary library(name);
-    const QString first = library.configure(QString(), store.get(), acceptDialog);
+    const QString first = library.configure(QString(), store.get(), &acceptDialog);
     const int records = recordCount(store.get());
-    const QString second = library.configure("\n" + first + "\n", store.get(), acceptDialog);
+    const QString second = library.configure("\n" + first + "\n", store.get(), &acceptDialog);
     QCOMPARE(second, first);
     QCOMPARE(recordCount(store.get()), records);
 }
@@ -214,7 +214,7 @@ void TestPackDialogs::configuredStepRuns()
     QFETCH(QString, name);
     const StorePtr store = filledStore();
     const AlgorithmLibrary library(name);
-    const QString option = library.configure(QString(), store.get(), acceptDialog);
+    const QString option = library.configure(QString(), store.get(), &acceptDialog);
     QCOMPARE(library.execute("\n" + option + "\n", store.get()), QString());
 }
 
@@ -238,7 +238,7 @@ void TestPackDialogs::outputsAreDescribedAgainAfterTheStoreWasEmptied()
     QFETCH(QStringList, described);
     const StorePtr store = filledStore();
     const AlgorithmLibrary library(name);
-    const QString option = library.configure(QString(), store.get(), acceptDialog);
+    const QString option = library.configure(QString(), store.get(), &acceptDialog);
     QCOMPARE(outputDescriptions(store.get()), described);
     store->clean();
     fillStore(*store);
@@ -342,7 +342,7 @@ void TestPackDialogs::blurChangesTheKindOfItsOutput()
 {
     const StorePtr store = filledStore();
     const AlgorithmLibrary library("blur");
-    const QString colour = library.configure(QString(), store.get(), acceptDialog);
+    const QString colour = library.configure(QString(), store.get(), &acceptDialog);
     QVERIFY(store->findParamDIB(4));
     const QString gray = library.configure(colour, store.get(), [](QDialog& dialog) {
         widgetOf<QTableWidget>(dialog, "tblInputs")->selectRow(2);  // colour 1 and 4, grey 2
@@ -403,7 +403,7 @@ void TestPackDialogs::pictureFolderDialogRoundTrips()
 {
     const SourceLibrary library("pictureFolder");
     const QString config = QStringLiteral("<Folder>图片/a</Folder><Loop>0</Loop><Rate>2.5</Rate>");
-    QCOMPARE(library.configure("\n" + config + "\n", acceptDialog), config);
+    QCOMPARE(library.configure("\n" + config + "\n", &acceptDialog), config);
     QCOMPARE(library.configure(config,
                                [](QDialog& dialog) {
                                    widgetOf<QLineEdit>(dialog, "edtFolder")->setText("b");
@@ -442,7 +442,7 @@ void TestPackDialogs::testPatternDialogRoundTrips()
     const QString config = QStringLiteral(
         "<Width>320</Width><Height>200</Height><Discs>4</Discs><Bars>1</Bars>"
         "<Text>0</Text><Rate>12.5</Rate>");
-    QCOMPARE(library.configure(config, acceptDialog), config);
+    QCOMPARE(library.configure(config, &acceptDialog), config);
     QCOMPARE(library.configure(QString(),
                                [](QDialog& dialog) {
                                    widgetOf<QSpinBox>(dialog, "spnWidth")->setValue(1);

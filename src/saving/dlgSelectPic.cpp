@@ -32,6 +32,8 @@ DlgSelectPic::~DlgSelectPic() = default;
 
 void DlgSelectPic::on_btnOK_clicked()
 {
+    if (!m_pcStore)
+        return;
     m_nSelectedTab = m_pcUi->tabPic->currentIndex();
     const RecordTable& table = m_nSelectedTab == GreyTab ? m_cGrey : m_cColour;
     const int row = table.selectedRow();

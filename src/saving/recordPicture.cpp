@@ -7,6 +7,8 @@
 
 #include <QImage>
 
+#include <cstring>
+
 namespace {
 
 QImage colourPicture(const ParamDIB* record)
@@ -31,13 +33,25 @@ QVector<QRgb> makeGreyRamp()
     return ramp;
 }
 
+/// Rows padded to a multiple of 4 bytes, which Qt's bitmap writer reads whatever the picture says.
+QImage paddedCopy(const unsigned char* grey, int width, int height)
+{
+    QImage copy(width, height, QImage::Format_Indexed8);
+    const auto rowBytes = static_cast<std::size_t>(width);
+    for (int y = 0; !copy.isNull() && y < height; ++y)
+        std::memcpy(copy.scanLine(y), grey + rowBytes * static_cast<std::size_t>(y), rowBytes);
+    return copy;
+}
+
 QImage greyPicture(const ParamGray8* record)
 {
     if (!record || !record->getGray8())
         return {};
     static const QVector<QRgb> ramp = makeGreyRamp();
     const int width = record->getWidth();
-    QImage picture(record->getGray8(), width, record->getHeight(), width, QImage::Format_Indexed8);
+    const int height = record->getHeight();
+    QImage picture = width % 4 == 0 ? QImage(record->getGray8(), width, height, width, QImage::Format_Indexed8)
+                                    : paddedCopy(record->getGray8(), width, height);
     picture.setColorTable(ramp);
     return picture;
 }

@@ -112,7 +112,9 @@ void ProjectText::Saved::makeRoom(int length)
     constexpr qint64 Most = 64 << 20;  // One long step in front of many short ones is a bad guess.
     if (length <= m_cUtf8.capacity())
         return;
-    const qint64 behind = qint64(length) * std::max(m_nStepsLeft, 0) / std::max(m_nSteps, 1) * 17 / 16;
+    qint64 behind = qint64(length) * std::max(m_nStepsLeft, 0) / std::max(m_nSteps, 1) * 17 / 16;
+    if (m_nStepsLeft > 0)
+        behind = std::max<qint64>(behind, length / 4);  // steps may become longer than those in front
     m_cUtf8.reserve(static_cast<int>(std::min<qint64>(length + std::min(behind, Most), INT_MAX - 64)));
 }
 

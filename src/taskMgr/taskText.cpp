@@ -53,19 +53,29 @@ TaskText TaskText::readByElements(QString body)
     return task;
 }
 
-QList<TaskText> TaskText::readProject(const QString& text)
-{
-    if (std::optional<QList<TaskText>> tasks = LaidOutText(text).project())
-        return *std::move(tasks);
-    return readProjectByElements(text);
-}
+namespace {
 
-QList<TaskText> TaskText::readProjectByElements(const QString& text)
+template <typename Read>
+QList<TaskText> readTasks(const QString& text, Read readBody)
 {
     QList<TaskText> tasks;
     const QString read = ProjectText::upToNul(text);
     ElementReader elements(read, tags().m_cTask.m_strOpen, tags().m_cTask.m_strClose);
     for (QStringView body = elements.next(); !body.isEmpty(); body = elements.next())
-        tasks.append(TaskText::read(body));
+        tasks.append(readBody(body));
     return tasks;
+}
+
+}  // namespace
+
+QList<TaskText> TaskText::readProject(const QString& text)
+{
+    if (std::optional<QList<TaskText>> tasks = LaidOutText(text).project())
+        return *std::move(tasks);
+    return readTasks(text, [](QStringView body) { return TaskText::read(body); });
+}
+
+QList<TaskText> TaskText::readProjectByElements(const QString& text)
+{
+    return readTasks(text, [](QStringView body) { return TaskText::readByElements(body.toString()); });
 }

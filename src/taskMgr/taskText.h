@@ -30,6 +30,6 @@ struct TaskText
     /// the program wrote the text.
     static QList<TaskText> readProject(const QString& text);
 
-    /// The definition of what readProject gives, element by element.
+    /// The definition of what readProject gives: its task elements cut out one by one, each read by elements.
     static QList<TaskText> readProjectByElements(const QString& text);
 };

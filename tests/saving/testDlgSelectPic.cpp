@@ -100,8 +100,10 @@ private Q_SLOTS:
     {
         DlgSelectPic dialog(nullptr);
         dialog.show();
+        child<QTabWidget>(dialog, "tabPic")->setCurrentIndex(1);
         click(dialog, "btnOK");
         QVERIFY(dialog.isVisible());
+        QCOMPARE(dialog.getSelectedTab(), 0);
         QCOMPARE(child<QTableWidget>(dialog, "tblRGB")->rowCount(), 0);
     }
 

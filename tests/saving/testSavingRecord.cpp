@@ -151,7 +151,14 @@ private Q_SLOTS:
         save();
         const QImage picture(m_pcFolder->path(name));
         QCOMPARE(picture.size(), QSize(21, 19));
-        QCOMPARE(picture, QImage(m_pcFolder->save(expected, "qt" + name)));
+        const QString byQt = m_pcFolder->save(expected, "qt" + name);
+        QCOMPARE(picture, QImage(byQt));
+        if (name.endsWith(QLatin1String("bmp"))) {
+            // Nothing of what lies behind the record: the three bytes that fill up each row are zero.
+            const QByteArray file = bytesOf(m_pcFolder->path(name));
+            for (int end = file.size(); end > file.size() - 19 * 24; end -= 24)
+                QCOMPARE(file.mid(end - 3, 3), QByteArray(3, '\0'));
+        }
     }
 
     void jpegIsWritten()

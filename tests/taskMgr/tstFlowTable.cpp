@@ -222,18 +222,22 @@ void tstFlowTable::cellWhereARemovedOneWasIsAnother()
     const BoxAnswer answer(QMessageBox::Yes);
     task->delArithm();
 
-    // A new cell soon gets the memory of the old one.
+    // A new cell soon gets the memory of the old one, where the allocator does not hold it back.
+    bool met = false;
     for (int row = 2; row < 20; ++row) {
         TaskInfo::appendRow(tab.m_pcTable, step("new"));
         for (int column = 0; column < 3; ++column) {
             QTableWidgetItem* cell = tab.m_pcTable->item(row, column);
             if (cell != gone)
                 continue;
+            met = true;
             tab.m_pcTable->setCurrentItem(cell);
             task->TableItemClicked(cell);
             QVERIFY(cell->isSelected());
         }
     }
+    if (!met)
+        QSKIP("No new cell lies where the old one was.");
 }
 
 void tstFlowTable::runHereRunsUpToTheSelectedStep()
