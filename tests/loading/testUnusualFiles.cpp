@@ -5,6 +5,8 @@
 #include <QImageWriter>
 #include <QtTest>
 
+#include <array>
+
 #include <cstdio>
 
 #include <jpeglib.h>
@@ -106,12 +108,12 @@ QImage transparentPalette()
 /// The same picture with the header of the oldest kind, which has shorter fields.
 QByteArray oldestBitmap(const QByteArray& bitmap)
 {
-    QByteArray header = changed32(bitmap.left(26), 14, 12);
+    const std::array<quint16, 4> fields = {qToLittleEndian(static_cast<quint16>(Size.width())),
+                                           qToLittleEndian(static_cast<quint16>(Size.height())),
+                                           qToLittleEndian<quint16>(1), qToLittleEndian<quint16>(24)};
+    QByteArray header = changed32(bitmap.left(18), 14, 12);
     put32(header, 10, 26);
-    qToLittleEndian(static_cast<quint16>(Size.width()), header.data() + 18);
-    qToLittleEndian(static_cast<quint16>(Size.height()), header.data() + 20);
-    qToLittleEndian<quint16>(1, header.data() + 22);
-    qToLittleEndian<quint16>(24, header.data() + 24);
+    header.append(reinterpret_cast<const char*>(fields.data()), sizeof(fields));
     return header + bitmap.mid(54);
 }
 
