@@ -10,8 +10,6 @@
 #include <QFileDialog>
 #include <QMessageBox>
 
-#include <algorithm>
-
 namespace {
 
 /// A record's name, identifier and first string; strings make up file names as UTF-8.
@@ -24,7 +22,7 @@ QStringList textsOf(const ParamStrings& record)
 /// Leaves the box at its first item when a foreign text names an item that is not there.
 void select(QComboBox* box, int index)
 {
-    box->setCurrentIndex(index < box->count() ? std::max(index, 0) : 0);
+    box->setCurrentIndex(index >= 0 && index < box->count() ? index : 0);
 }
 
 }  // namespace
