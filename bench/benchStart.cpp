@@ -46,6 +46,7 @@ int main(int argc, char* argv[])
     StartUp::preparePixels();
     QApplication application(argc, argv);
     QtTexts::makeChinese();
+    StartUp::useDrawnIcons();
     MainWindow window;
     return showUntilPainted(window);
 }

@@ -13,6 +13,7 @@ int main(int argc, char* argv[])
     BareScreen::prepare(argc, argv);
     QApplication application(argc, argv);
     QtTexts::makeChinese();
+    StartUp::useDrawnIcons();
     MainWindow window;
     const BareScreen screen(&window);
     BareScreen::fit(&window);

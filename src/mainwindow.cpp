@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 
+#include "forms/drawnIcons.h"
 #include "globalFunction.h"
 #include "memoryDisk/dlgMemoryDiskStatus.h"
 #include "outputLine.h"
@@ -14,12 +15,6 @@
 #include <QStringList>
 
 #include <unistd.h>
-
-/// Resources of a static library are not found unless someone asks for them; cannot stand in a namespace.
-static void initResources()
-{
-    Q_INIT_RESOURCE(lumivant);
-}
 
 namespace {
 
@@ -62,8 +57,8 @@ void MainWindow::HavePrintMessage(QString message)
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_pcUi(std::make_unique<Ui::MainWindow>())
 {
-    initResources();
     m_pcUi->setupUi(this);
+    setIcons();
     // The tabs take what four short names need, the views all the rest.
     constexpr int TabWidth = 316;
     m_pcUi->splitter->setSizes({TabWidth, width() - TabWidth});
@@ -77,6 +72,18 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_pcUi(std::make_
     setProjectPath(QString());
     TaskMgr::getInstance()->setMssageCallBack(HaveErrorMessage);
     TaskMgr::getInstance()->setPrintCallBack(MainWindow::HavePrintMessage);
+}
+
+void MainWindow::setIcons()
+{
+    setWindowIcon(DrawnIcons::workbench());
+    m_pcUi->newOption->setIcon(DrawnIcons::newProject());
+    m_pcUi->openOption->setIcon(DrawnIcons::openProject());
+    m_pcUi->saveOption->setIcon(DrawnIcons::saveProject());
+    m_pcUi->saveOptionAs->setIcon(DrawnIcons::saveProjectAs());
+    m_pcUi->addProcess->setIcon(DrawnIcons::addTask());
+    m_pcUi->delProcess->setIcon(DrawnIcons::deleteTask());
+    m_pcUi->viewMemoryWnd->setIcon(DrawnIcons::memoryDisks());
 }
 
 MainWindow::~MainWindow()

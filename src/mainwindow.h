@@ -68,6 +68,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void setIcons();
     void addViews();
     bool confirmed(const QString& question);
 

@@ -1,5 +1,6 @@
 #include "startUp.h"
 
+#include "forms/drawnIcons.h"
 #include "mainwindow.h"
 
 #include <QApplication>
@@ -32,6 +33,11 @@ void StartUp::preparePixels()
 {
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+}
+
+void StartUp::useDrawnIcons()
+{
+    QApplication::setStyle(new DrawnIcons::Style(QApplication::style()));
 }
 
 void StartUp::openNamedProject(MainWindow& window, const QStringList& arguments)

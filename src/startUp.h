@@ -11,6 +11,9 @@ namespace StartUp {
 /// Before the application object is made: how it treats dense screens.
 void preparePixels();
 
+/// With an application object, before the first window: what a bar asks the style for as it is made is drawn, not read.
+void useDrawnIcons();
+
 /**
  * Opens the project file that the first argument behind the program's name names, as the open command does.
  *

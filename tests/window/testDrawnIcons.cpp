@@ -1,0 +1,222 @@
+#include "forms/drawnIcons.h"
+#include "startUp.h"
+#include "windowFixture.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QStyleFactory>
+#include <QToolBar>
+#include <QToolButton>
+
+#include <algorithm>
+
+/// The window's icons: drawn by code, sharp at every size, and there without a picture format of Qt's.
+class TestDrawnIcons : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void windowShowsWithoutLoadingPictureFormats();
+    void programsIconLooksAsTheInstalledOne_data();
+    void programsIconLooksAsTheInstalledOne();
+    void iconIsDrawnAtItsSizeWithNothingCutOff_data();
+    void iconIsDrawnAtItsSizeWithNothingCutOff();
+    void noTwoIconsLookAlike();
+    void iconOfWhatCannotBeDoneIsFaded();
+    void iconInAWideRectangleKeepsItsShapeInTheMiddle();
+    void iconIsPaintedWithAllPixelsOfADenseScreen();
+    void copyOfAnIconDrawsTheSame();
+    void barThatIsTooNarrowShowsADrawnDoubleArrow();
+    void allOtherPicturesOfTheStyleAreAsBefore();
+};
+
+namespace {
+
+const QVector<QIcon (*)()> Icons{DrawnIcons::workbench,   DrawnIcons::newProject,    DrawnIcons::openProject,
+                                 DrawnIcons::saveProject, DrawnIcons::saveProjectAs, DrawnIcons::addTask,
+                                 DrawnIcons::deleteTask,  DrawnIcons::memoryDisks};
+
+QImage imageOf(const QIcon& icon, int side, QIcon::Mode mode = QIcon::Normal)
+{
+    return icon.pixmap(QSize(side, side), mode).toImage().convertToFormat(QImage::Format_ARGB32);
+}
+
+/// The sum of all differences of a channel, for each pixel.
+double difference(const QImage& one, const QImage& other)
+{
+    double sum = 0;
+    for (int y = 0; y < one.height(); ++y) {
+        for (int x = 0; x < one.width(); ++x) {
+            const QColor a = one.pixelColor(x, y);
+            const QColor b = other.pixelColor(x, y);
+            sum += std::abs(a.alpha() - b.alpha());
+            if (a.alpha() > 0 && b.alpha() > 0)
+                sum += std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) + std::abs(a.blue() - b.blue());
+        }
+    }
+    return sum / one.width() / one.height();
+}
+
+/// The rectangle of all that is not transparent.
+QRect inked(const QImage& image)
+{
+    QRect found;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y).alpha() > 0)
+                found |= QRect(x, y, 1, 1);
+        }
+    }
+    return found;
+}
+
+/// Libraries of Qt's that read picture files or draw icons from them, as far as this process has loaded them.
+QByteArrayList formatsLoaded()
+{
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    QByteArrayList found;
+    if (!maps.open(QIODevice::ReadOnly))
+        return {"nothing known"};
+    for (const QByteArray& line : maps.readAll().split('\n')) {
+        if (line.contains("/imageformats/") || line.contains("/iconengines/"))
+            found.append(line.mid(line.indexOf('/')));
+    }
+    return found;
+}
+
+}  // namespace
+
+// First of all: later tests load them. The window's start-up is a sixth longer with them.
+void TestDrawnIcons::windowShowsWithoutLoadingPictureFormats()
+{
+    StartUp::useDrawnIcons();
+    const WindowFixture fixture;
+    fixture.m_pcWindow->grab();
+    QCOMPARE(formatsLoaded(), QByteArrayList());
+    QVERIFY(!QIcon(QStringLiteral(":/lumivant.svg")).pixmap(16, 16).isNull());
+    QVERIFY(!formatsLoaded().isEmpty());  // What is looked for would have been seen.
+}
+
+void TestDrawnIcons::programsIconLooksAsTheInstalledOne_data()
+{
+    QTest::addColumn<int>("side");
+    for (const int side : {16, 24, 48, 64, 256})
+        QTest::addRow("%d", side) << side;
+}
+
+void TestDrawnIcons::programsIconLooksAsTheInstalledOne()
+{
+    QFETCH(int, side);
+    const QImage drawn = imageOf(DrawnIcons::workbench(), side);
+    const QImage installed = imageOf(QIcon(QStringLiteral(":/lumivant.svg")), side);
+    QCOMPARE(drawn.size(), QSize(side, side));
+    QCOMPARE(installed.size(), QSize(side, side));
+    QVERIFY2(difference(drawn, installed) < 1, qPrintable(QString::number(difference(drawn, installed))));
+    QVERIFY(difference(drawn, imageOf(DrawnIcons::memoryDisks(), side)) > 50);  // Others are far away.
+}
+
+void TestDrawnIcons::iconIsDrawnAtItsSizeWithNothingCutOff_data()
+{
+    programsIconLooksAsTheInstalledOne_data();
+}
+
+void TestDrawnIcons::iconIsDrawnAtItsSizeWithNothingCutOff()
+{
+    QFETCH(int, side);
+    for (int i = 0; i < Icons.size(); ++i) {
+        const QImage image = imageOf(Icons[i](), side);
+        QCOMPARE(image.size(), QSize(side, side));
+        const QRect ink = inked(image);
+        QVERIFY2(std::max(ink.width(), ink.height()) > side * 3 / 4, qPrintable(QString::number(i)));
+        // Nothing reaches the last pixels: the edge would be hard.
+        for (int at = 0; at < side; ++at) {
+            for (const QPoint& edge : {QPoint(at, 0), QPoint(at, side - 1), QPoint(0, at), QPoint(side - 1, at)})
+                QVERIFY2(image.pixelColor(edge).alpha() < 128, qPrintable(QString::number(i)));
+        }
+    }
+}
+
+void TestDrawnIcons::noTwoIconsLookAlike()
+{
+    for (int i = 0; i < Icons.size(); ++i) {
+        for (int j = 0; j < i; ++j)
+            QVERIFY(difference(imageOf(Icons[i](), 24), imageOf(Icons[j](), 24)) > 5);
+    }
+}
+
+void TestDrawnIcons::iconOfWhatCannotBeDoneIsFaded()
+{
+    const QIcon icon = DrawnIcons::deleteTask();
+    const QColor can = imageOf(icon, 24).pixelColor(12, 6);
+    const QColor cannot = imageOf(icon, 24, QIcon::Disabled).pixelColor(12, 6);
+    QVERIFY(can.red() > can.blue() + 50);
+    QVERIFY2(std::abs(cannot.red() - cannot.blue()) < 25, qPrintable(cannot.name()));
+    QVERIFY(cannot.alpha() > 0);
+}
+
+void TestDrawnIcons::iconInAWideRectangleKeepsItsShapeInTheMiddle()
+{
+    const QImage wide = DrawnIcons::addTask().pixmap(QSize(72, 24)).toImage().convertToFormat(QImage::Format_ARGB32);
+    QCOMPARE(wide.size(), QSize(72, 24));
+    QCOMPARE(wide.copy(24, 0, 24, 24), imageOf(DrawnIcons::addTask(), 24));
+    QVERIFY(QRect(24, 0, 24, 24).contains(inked(wide)));
+    const QImage tall = DrawnIcons::addTask().pixmap(QSize(24, 72)).toImage().convertToFormat(QImage::Format_ARGB32);
+    QCOMPARE(tall.copy(0, 24, 24, 24), imageOf(DrawnIcons::addTask(), 24));
+}
+
+void TestDrawnIcons::iconIsPaintedWithAllPixelsOfADenseScreen()
+{
+    QImage screen(48, 48, QImage::Format_ARGB32);
+    screen.fill(Qt::transparent);
+    screen.setDevicePixelRatio(2);
+    {
+        QPainter painter(&screen);
+        DrawnIcons::openProject().paint(&painter, 0, 0, 24, 24);
+    }
+    screen.setDevicePixelRatio(1);
+    QVERIFY(difference(screen, imageOf(DrawnIcons::openProject(), 48)) < 0.5);
+}
+
+void TestDrawnIcons::copyOfAnIconDrawsTheSame()
+{
+    const QIcon icon = DrawnIcons::saveProject();
+    QIcon copy = icon;
+    copy.addPixmap(QPixmap(1, 1));  // Detaches it; a drawn icon takes no pictures.
+    QCOMPARE(imageOf(copy, 24), imageOf(icon, 24));
+}
+
+void TestDrawnIcons::barThatIsTooNarrowShowsADrawnDoubleArrow()
+{
+    StartUp::useDrawnIcons();
+    QMainWindow window;
+    QToolBar* const bar = window.addToolBar(QStringLiteral("bar"));
+    for (int i = 0; i < 40; ++i)
+        bar->addAction(DrawnIcons::addTask(), QString::number(i));
+    window.resize(200, 100);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const auto* const more = bar->findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button"));
+    QVERIFY(more);
+    QTRY_VERIFY(more->isVisible());
+    const QImage arrow = imageOf(more->icon(), 24);
+    // Two heads that point to the right: at half height their tips, above and below nothing to the right of them.
+    QCOMPARE(arrow.pixelColor(11, 12).alpha(), 255);
+    QCOMPARE(arrow.pixelColor(18, 12).alpha(), 255);
+    QCOMPARE(arrow.pixelColor(15, 12).alpha(), 0);
+    QCOMPARE(arrow.pixelColor(18, 5).alpha(), 0);
+    QVERIFY(arrow.pixelColor(12, 6).alpha() > 100);
+    QCOMPARE(arrow.pixelColor(11, 12).rgb(), QGuiApplication::palette().buttonText().color().rgb());
+}
+
+void TestDrawnIcons::allOtherPicturesOfTheStyleAreAsBefore()
+{
+    QStyle* const before = QStyleFactory::create(QStringLiteral("fusion"));
+    const QImage expected = imageOf(before->standardIcon(QStyle::SP_MessageBoxWarning), 32);
+    const DrawnIcons::Style style(before);
+    QVERIFY(!inked(expected).isEmpty());
+    QCOMPARE(imageOf(style.standardIcon(QStyle::SP_MessageBoxWarning), 32), expected);
+    QCOMPARE(style.baseStyle(), before);
+}
+
+QTEST_MAIN(TestDrawnIcons)
+#include "testDrawnIcons.moc"
