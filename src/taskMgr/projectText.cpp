@@ -1,5 +1,6 @@
 #include "projectText.h"
 
+#include "memoryArenas.h"
 #include "textScan.h"
 
 #include <QStringRef>
@@ -116,6 +117,7 @@ void ProjectText::Saved::makeRoom(int length)
     if (m_nStepsLeft > 0)
         behind = std::max<qint64>(behind, length / 4);  // steps may become longer than those in front
     m_cUtf8.reserve(static_cast<int>(std::min<qint64>(length + std::min(behind, Most), INT_MAX - 64)));
+    MemoryArenas::preferLargePages(m_cUtf8.data(), static_cast<std::size_t>(m_cUtf8.capacity()));
 }
 
 namespace {
