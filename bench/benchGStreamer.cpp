@@ -77,10 +77,14 @@ GstBufferPool* poolOf(std::size_t bytes)
     return pool;
 }
 
+/// Without a pool into a new buffer.
 void write(GstBufferPool* pool, GstElement* source, const std::vector<unsigned char>& picture)
 {
     GstBuffer* buffer = nullptr;
-    gst_buffer_pool_acquire_buffer(pool, &buffer, nullptr);
+    if (pool)
+        gst_buffer_pool_acquire_buffer(pool, &buffer, nullptr);
+    else
+        buffer = gst_buffer_new_allocate(nullptr, picture.size(), nullptr);
     gst_buffer_fill(buffer, 0, picture.data(), picture.size());
     gst_app_src_push_buffer(GST_APP_SRC(source), buffer);
 }
@@ -92,6 +96,7 @@ void read(GstElement* sink, std::vector<unsigned char>& picture)
     gst_sample_unref(sample);
 }
 
+/// The third argument: whether buffers come from a pool.
 void appSourceToAppSink(benchmark::State& state)
 {
     const auto bytes = static_cast<std::size_t>(state.range(0) * state.range(1) * 3);
@@ -104,7 +109,7 @@ void appSourceToAppSink(benchmark::State& state)
     g_object_set(source, "max-bytes", guint64{0}, nullptr);
     gst_element_link(source, sink);
     gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
-    GstBufferPool* pool = poolOf(bytes);
+    GstBufferPool* pool = state.range(2) ? poolOf(bytes) : nullptr;
     const std::vector<unsigned char> picture(bytes, 7);
     std::vector<unsigned char> target(bytes);
     for (int slot = 0; slot < 6; ++slot) {  // as the memory disk's, the buffers have been used before
@@ -113,11 +118,13 @@ void appSourceToAppSink(benchmark::State& state)
     }
     TwoThreads::measure(
         state, [&](int) { write(pool, source, picture); }, [&](int) { read(sink, target); });
+    if (!pool)
+        return;
     gst_buffer_pool_set_active(pool, FALSE);
     gst_object_unref(pool);
 }
 
 BENCHMARK(identityChain)->Arg(1)->Arg(50);
-BENCHMARK(appSourceToAppSink)->Args({1920, 1080})->Args({4096, 3000})->UseManualTime();
+BENCHMARK(appSourceToAppSink)->Args({1920, 1080, 1})->Args({4096, 3000, 1})->Args({4096, 3000, 0})->UseManualTime();
 
 }  // namespace

@@ -1,6 +1,7 @@
 // How many passes a second do 1 to 64 running tasks make together, what does each add to the memory, and what do views
 // that nobody sees cost the window's thread?
 #include "mainwindow.h"
+#include "memoryArenas.h"
 #include "paramStore/pictureLayout.h"
 #include "taskMgr/taskMgr.h"
 #include "view/viewForm.h"
@@ -136,6 +137,7 @@ double workForHiddenViews()
 
 int main(int argc, char* argv[])
 {
+    MemoryArenas::setUp();
     QApplication application(argc, argv);
     MainWindow window;
     window.show();

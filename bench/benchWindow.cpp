@@ -1,6 +1,7 @@
 // How long is the window's event loop away while four tasks draw full HD pictures as fast as they can, two more save,
 // and the user drags, resizes and edits?
 #include "mainwindow.h"
+#include "memoryArenas.h"
 #include "taskMgr/taskMgr.h"
 #include "view/viewForm.h"
 
@@ -182,6 +183,7 @@ long long passesSoFar()
 
 int main(int argc, char* argv[])
 {
+    MemoryArenas::setUp();
     QApplication application(argc, argv);
     const QTemporaryDir folder;
     MainWindow window;
