@@ -42,14 +42,10 @@ private:
 /// Black, bytes between the rows included, where the picture is not going to be.
 void clearAround(QImage& canvas, const PictureSampling& sampling)
 {
-    if (!sampling.covers(canvas.size())) {
-        clearCanvas(canvas);
-        return;
-    }
     const auto stride = static_cast<std::size_t>(canvas.bytesPerLine());
-    const std::size_t shown = 3 * static_cast<std::size_t>(canvas.width());
+    const std::size_t shown = sampling.covers(canvas.size()) ? 3 * static_cast<std::size_t>(canvas.width()) : 0;
     unsigned char* row = canvas.bits();
-    for (int y = 0; y < canvas.height() && shown < stride; ++y, row += stride)
+    for (int y = 0; y < canvas.height(); ++y, row += stride)
         std::memset(row + shown, 0, stride - shown);
 }
 
@@ -57,10 +53,7 @@ void clearAround(QImage& canvas, const PictureSampling& sampling)
 class RowSampler
 {
 public:
-    RowSampler(const QImage& picture, const ColumnMap& columns)
-        : m_cColumns(columns), m_eFormat(picture.format()), m_vecGrey(isGrey() ? columns.count() : 0)
-    {
-    }
+    RowSampler(const QImage& picture, const ColumnMap& columns) : m_cColumns(columns), m_eFormat(picture.format()) {}
 
     void sample(const unsigned char* source, unsigned char* target)
     {
@@ -77,6 +70,7 @@ public:
     {
         if (m_cColumns.isContiguous())
             return source + *m_cColumns.columns();
+        m_vecGrey.resize(m_cColumns.count());
         SamplingKernels::best().m_pfnGrey(source, m_cColumns, m_vecGrey.data());
         return m_vecGrey.data();
     }
@@ -105,8 +99,9 @@ public:
     OverlayColours(const GreyOverlay& overlay, std::size_t count)
         : m_cOverlay(overlay), m_nCount(count), m_vecRgb(3 * count + sizeof(Pixel))
     {
-        for (std::size_t value = 0; value < m_aColours.size(); ++value)
-            m_aColours[value] = pixelOf(overlay.colourOf(static_cast<int>(value)));
+        int value = 0;
+        for (Pixel& colour : m_aColours)
+            colour = pixelOf(overlay.colourOf(value++));
         if (overlay.m_eColours == GreyOverlay::Colours::OneColour)
             fill([colour = pixelOf(overlay.m_nColour)](std::size_t) { return colour; });
     }
@@ -128,7 +123,7 @@ private:
     static Pixel pixelOf(QRgb colour)
     {
         return {static_cast<unsigned char>(qRed(colour)), static_cast<unsigned char>(qGreen(colour)),
-                static_cast<unsigned char>(qBlue(colour)), 0};
+                static_cast<unsigned char>(qBlue(colour))};
     }
 
     template <typename PixelAt>
@@ -164,8 +159,6 @@ bool DirectDrawing::replace(QImage& canvas, const QImage& picture, const QRectF&
     if (!sampling)
         return false;
     clearAround(canvas, *sampling);
-    if (sampling->isEmpty())
-        return true;
     const ShownRows shown(canvas, *sampling);
     RowSampler sampler(picture, sampling->m_cColumns);
     const std::vector<std::int32_t>& rows = sampling->m_vecRows;
@@ -183,7 +176,7 @@ bool DirectDrawing::overlay(QImage& canvas, const QImage& picture, const QRectF&
     const PictureSampling* sampling = samplingOf(canvas, picture, source, PainterPicture::Argb);
     if (!sampling)
         return false;
-    if (sampling->isEmpty() || !(colours.m_bShowsZero || colours.m_bShowsOthers))
+    if (!colours.m_bShowsZero && !colours.m_bShowsOthers)
         return true;
     const std::size_t count = sampling->m_cColumns.count();
     const ShownRows shown(canvas, *sampling);

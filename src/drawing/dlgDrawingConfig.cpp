@@ -118,7 +118,6 @@ void DlgDrawingConfig::on_btnOK_clicked()
     if (id == RecordTable::NoID) {
         // Kept on purpose: unlike the first warning this one ends the dialog, accepted and with an empty text.
         warn(DrawingMessages::chosenIsGone());
-        m_strResult.clear();
         accept();
         return;
     }

@@ -63,7 +63,7 @@ void setNumber(QPushButton* button, int color)
 /// Selects the item; an index that the combo box does not have leaves it as it is.
 void selectItem(QComboBox* combo, int index)
 {
-    if (index >= 0 && index < combo->count())
+    if (combo->model()->hasIndex(index, 0))
         combo->setCurrentIndex(index);
 }
 
@@ -185,7 +185,7 @@ void DlgDrawingConfig::parseConfigString()
     case Strings:
         return showStrings();
     default:
-        return;
+        break;
     }
 }
 
@@ -229,7 +229,6 @@ void DlgDrawingConfig::paintColorButtons()
 {
     for (QPushButton* button : {m_pcUi->btnColorPoints, m_pcUi->btnColorLines, m_pcUi->btnColorPolys,
                                 m_pcUi->btnColorAreas, m_pcUi->btnColorStrings}) {
-        button->setFlat(true);
         button->setAutoFillBackground(true);
         setColor(button, QColor(FirstColor));
     }

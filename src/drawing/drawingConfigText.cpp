@@ -10,7 +10,7 @@ namespace {
 void partInto(int& value, const QStringList& parts, int index)
 {
     bool ok = false;
-    const int number = index < parts.size() ? parts.at(index).toInt(&ok, 10) : 0;
+    const int number = parts.value(index).toInt(&ok, 10);
     if (ok)
         value = number;
 }

@@ -8,13 +8,7 @@ QRgb GreyOverlay::colourOf(int value) const
 {
     if (!(value == 0 ? m_bShowsZero : m_bShowsOthers))
         return 0;
-    switch (m_eColours) {
-    case Colours::Greys:
-        return qRgb(value, value, value);
-    case Colours::Blocks:
-        return grayPalette()[static_cast<std::size_t>(value)];
-    case Colours::OneColour:
-        break;
-    }
-    return m_nColour;
+    if (m_eColours == Colours::OneColour)
+        return m_nColour;
+    return m_eColours == Colours::Greys ? qRgb(value, value, value) : grayPalette()[static_cast<std::size_t>(value)];
 }

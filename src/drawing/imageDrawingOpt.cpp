@@ -37,26 +37,26 @@ Drawing::ImageDrawingOpt::ImageDrawingOpt(int dataType, int dataId, const void* 
         std::memcpy(m_cPixels.data(), pixels, static_cast<std::size_t>(byteNum));
 }
 
-std::optional<QRectF> Drawing::ImageDrawingOpt::place(const QImage& canvas, WindowQuotients quotients) const
+QRectF Drawing::ImageDrawingOpt::place(const QImage& canvas, WindowQuotients quotients) const
 {
     const auto placement = placeImage(m_nScaleType, m_nAlignType, canvas.size(), {m_nWidth, m_nHeight}, quotients);
     if (!placement)
-        return std::nullopt;
+        return {};
     ViewScale::setEntry(getViewID(), placement->m_cEntry);
     return placement->m_cSource;
 }
 
 void Drawing::ImageDrawingOpt::replaceCanvas(QImage& canvas, const QImage& picture, WindowQuotients quotients) const
 {
-    const std::optional<QRectF> source = place(canvas, quotients);
-    if (source && DirectDrawing::replace(canvas, picture, *source))
+    const QRectF source = place(canvas, quotients);
+    if (DirectDrawing::replace(canvas, picture, source))
         return;
     clearCanvas(canvas);
-    if (!source)
+    if (source.isNull())
         return;
     // The painter rounds half pixels of an unscaled picture by its format: as for red, green, blue.
-    const bool isUnscaled = source->size() == QSizeF(canvas.size());
-    paintPart(canvas, isUnscaled ? picture.convertToFormat(QImage::Format_RGB888) : picture, *source);
+    const bool isUnscaled = source.size() == QSizeF(canvas.size());
+    paintPart(canvas, isUnscaled ? picture.convertToFormat(QImage::Format_RGB888) : picture, source);
 }
 
 Drawing::DIBDrawingOpt::DIBDrawingOpt(int dataId, unsigned char* pixels, int width, int height)
@@ -85,19 +85,12 @@ void Drawing::Gray8DrawingOpt::draw(QImage* canvas, ArithmParamMgr* store)
 {
     if (!canvas || !store || !hasPixels() || canvas->size().isEmpty())
         return;
-    switch (getDrawMode()) {
-    case 0:
+    if (getDrawMode() == 0)
         drawNormal(*canvas);
-        break;
-    case 1:
+    else if (getDrawMode() == 1)
         drawOver(*canvas, lapped());
-        break;
-    case 2:
+    else if (getDrawMode() == 2)
         drawOver(*canvas, mask());
-        break;
-    default:
-        break;
-    }
 }
 
 void Drawing::Gray8DrawingOpt::drawNormal(QImage& canvas) const
@@ -112,12 +105,12 @@ void Drawing::Gray8DrawingOpt::drawNormal(QImage& canvas) const
 
 void Drawing::Gray8DrawingOpt::drawOver(QImage& canvas, const GreyOverlay& overlay) const
 {
-    const std::optional<QRectF> source = place(canvas, WindowQuotients::Exact);
-    if (!source)
+    const QRectF source = place(canvas, WindowQuotients::Exact);
+    if (source.isNull())
         return;
     const QImage picture(pixels(), width(), height(), width(), QImage::Format_Grayscale8);
-    if (!DirectDrawing::overlay(canvas, picture, *source, overlay))
-        paintOver(canvas, overlay, *source);
+    if (!DirectDrawing::overlay(canvas, picture, source, overlay))
+        paintOver(canvas, overlay, source);
 }
 
 void Drawing::Gray8DrawingOpt::paintOver(QImage& canvas, const GreyOverlay& overlay, const QRectF& source) const
@@ -131,8 +124,9 @@ void Drawing::Gray8DrawingOpt::paintOver(QImage& canvas, const GreyOverlay& over
     if (!memory.data())
         return;
     std::array<QRgb, 256> table;
-    for (int value = 0; value < 256; ++value)
-        table[static_cast<std::size_t>(value)] = overlay.colourOf(value);
+    int value = 0;
+    for (QRgb& colour : table)
+        colour = overlay.colourOf(value++);
     const unsigned char* grey = pixels();
     auto* target = reinterpret_cast<QRgb*>(memory.data());
     const auto count = static_cast<std::size_t>(pixelNum);

@@ -7,7 +7,6 @@
 #include <QRectF>
 
 #include <cstdint>
-#include <optional>
 
 struct GreyOverlay;
 
@@ -31,8 +30,8 @@ protected:
     int height() const { return m_nHeight; }
 
     /// Where a picture of the option's size belongs: the part of it that fills the canvas, noted in the view's entry;
-    /// nothing for an unknown scale type.
-    std::optional<QRectF> place(const QImage& canvas, WindowQuotients quotients) const;
+    /// null for an unknown scale type.
+    QRectF place(const QImage& canvas, WindowQuotients quotients) const;
 
     /// Clears the canvas and draws such a picture where it belongs.
     void replaceCanvas(QImage& canvas, const QImage& picture, WindowQuotients quotients) const;

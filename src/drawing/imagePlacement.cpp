@@ -71,8 +71,6 @@ void clearCanvas(QImage& canvas)
 
 void paintPart(QImage& canvas, const QImage& picture, const QRectF& source)
 {
-    if (canvas.isNull() || picture.isNull())
-        return;
     QPainter painter(&canvas);
     painter.drawImage(QRectF(0, 0, canvas.width(), canvas.height()), picture, source);
 }

@@ -28,5 +28,5 @@ std::optional<ImagePlacement> placeImage(int scaleType, int alignType, QSize can
 /// Sets every byte of a canvas to zero.
 void clearCanvas(QImage& canvas);
 
-/// Lets the painter draw the part of a picture that fills the canvas.
+/// Lets the painter draw the part of a picture that fills the canvas, which is not empty.
 void paintPart(QImage& canvas, const QImage& picture, const QRectF& source);

@@ -38,7 +38,7 @@ struct Request
     bool operator==(const Request& other) const
     {
         const auto numbers = [](const QRectF& rect) {
-            return std::array<double, 4>{rect.x(), rect.y(), rect.width(), rect.height()};
+            return std::array{rect.x(), rect.y(), rect.width(), rect.height()};
         };
         return m_cCanvas == other.m_cCanvas && m_cPicture == other.m_cPicture && m_cKind == other.m_cKind &&
                numbers(m_cSource) == numbers(other.m_cSource);
@@ -198,6 +198,8 @@ struct Remembered
 {
     Request m_cRequest;
     std::optional<PictureSampling> m_cSampling;
+
+    const PictureSampling* sampling() const { return m_cSampling ? &*m_cSampling : nullptr; }
 };
 
 }  // namespace
@@ -216,11 +218,11 @@ const PictureSampling* pictureSampling(QSize canvas, QSize picture, const QRectF
     // Enough for every view with a picture and something over it; the oldest gives way.
     thread_local std::array<Remembered, 16> remembered;
     thread_local std::size_t next = 0;
-    auto found = std::find_if(remembered.begin(), remembered.end(),
-                              [&request](const Remembered& candidate) { return candidate.m_cRequest == request; });
-    if (found == remembered.end()) {
-        found = remembered.begin() + static_cast<std::ptrdiff_t>(next++ % remembered.size());
-        *found = {request, askPainter(request)};
+    for (const Remembered& known : remembered) {
+        if (known.m_cRequest == request)
+            return known.sampling();
     }
-    return found->m_cSampling ? &*found->m_cSampling : nullptr;
+    Remembered& oldest = remembered[next++ % remembered.size()];
+    oldest = {request, askPainter(request)};
+    return oldest.sampling();
 }

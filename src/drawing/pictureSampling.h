@@ -23,7 +23,6 @@ struct PictureSampling
     ColumnMap m_cColumns;
     std::vector<std::int32_t> m_vecRows;
 
-    bool isEmpty() const { return m_cColumns.count() == 0 || m_vecRows.empty(); }
     bool covers(QSize canvas) const;
 };
 

@@ -319,6 +319,10 @@ private Q_SLOTS:
         QCOMPARE(indexOf(dialog(), "cbScaleModeGray16"), 0);
         QVERIFY(child<QRadioButton>(dialog(), "rbDrawModeNormalGray16")->isChecked());
 
+        open(0, QStringLiteral("<Scale>2</Scale><Pos>1</Pos>"));
+        QCOMPARE(indexOf(dialog(), "cbScaleModeRGB"), 2);
+        QCOMPARE(indexOf(dialog(), "cbScaleModeGray8"), 0);
+
         open(5, QStringLiteral("<BorderSize>3</BorderSize><BorderColor>-16776961</BorderColor><DspArea>1</DspArea>"));
         QCOMPARE(child<QComboBox>(dialog(), "cbSizePolys")->currentText(), QStringLiteral("4"));
         QCOMPARE(colorOf(dialog(), "Polys"), QColor(0, 0, 255));
@@ -333,7 +337,12 @@ private Q_SLOTS:
     void emptyConfigurationShowsTheDefaultsThatAreDrawn()
     {
         open(4, QString());
-        QCOMPARE(child<QComboBox>(dialog(), "cbSizeLines")->currentIndex(), 1);  // Lines are one wide by default.
+        QCOMPARE(indexOf(dialog(), "cbSizeLines"), 1);  // Lines are one wide by default.
+        QCOMPARE(indexOf(dialog(), "cbDspLengthLines"), 0);
+        open(5, QString());
+        QCOMPARE(indexOf(dialog(), "cbDspAreaPolys"), 0);
+        open(6, QString());
+        QCOMPARE(indexOf(dialog(), "cbDspAreaAreas"), 0);
         open(7, QString());
         QCOMPARE(text(dialog(), "edtFontSize"), QStringLiteral("12"));
     }
@@ -349,7 +358,7 @@ private Q_SLOTS:
         open(3, QStringLiteral("<Size>77</Size><Color>red</Color>"));
         QCOMPARE(indexOf(dialog(), "cbSizePoints"), 0);
         QCOMPARE(colorOf(dialog(), "Points"), QColor(0, 255, 0));
-        open(0, QStringLiteral("<Scale>-1</Scale><Pos>9</Pos>"));
+        open(0, QStringLiteral("<Scale>-1</Scale><Pos>2</Pos>"));
         QCOMPARE(indexOf(dialog(), "cbScaleModeRGB"), 0);
         QCOMPARE(indexOf(dialog(), "cbPosRGB"), 0);
         open(2, QStringLiteral("<DrawMode><Mask>,,,</Mask><Val>9</Val><Lapped>5</Lapped></DrawMode>"));

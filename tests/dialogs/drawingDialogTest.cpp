@@ -232,9 +232,10 @@ private Q_SLOTS:
     {
         DlgDrawingConfig fresh(QString(), m_pcStore, nullptr);
         for (const int kind : {-1, 8, 9}) {
-            DlgDrawingConfig dialog(optionText(kind, 10, QString()), m_pcStore, nullptr);
-            QCOMPARE(child<QComboBox>(dialog, "cbDataType")->currentIndex(),
-                     child<QComboBox>(fresh, "cbDataType")->currentIndex());
+            DlgDrawingConfig dialog(optionText(kind, 10, QStringLiteral("<Scale>2</Scale>")), m_pcStore, nullptr);
+            for (const char* combo : {"cbDataType", "cbScaleModeRGB"})
+                QCOMPARE(child<QComboBox>(dialog, combo)->currentIndex(),
+                         child<QComboBox>(fresh, combo)->currentIndex());
         }
     }
 

@@ -7,6 +7,9 @@
 #include <QPainter>
 #include <QtTest>
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <cmath>
 #include <cstring>
 #include <random>
@@ -299,11 +302,36 @@ QRectF anyPart(Chance& chance, QSize canvas, QSize picture)
 }
 
 const GreyOverlay Blocks{GreyOverlay::Colours::Blocks, 0, false, true};
+const GreyOverlay Nothing{GreyOverlay::Colours::OneColour, 0, false, false};
 
 QRgb blockOf(unsigned char value)
 {
     return value == 0 ? 0 : grayPalette()[value];
 }
+
+/// A page of memory with another behind it that nobody may touch.
+class GuardedPage
+{
+public:
+    GuardedPage()
+        : m_nBytes(static_cast<std::size_t>(::sysconf(_SC_PAGESIZE))),
+          m_pStart(::mmap(nullptr, 2 * m_nBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))
+    {
+        ::mprotect(static_cast<unsigned char*>(m_pStart) + m_nBytes, m_nBytes, PROT_NONE);
+    }
+    ~GuardedPage() { ::munmap(m_pStart, 2 * m_nBytes); }
+    GuardedPage(const GuardedPage&) = delete;
+    GuardedPage& operator=(const GuardedPage&) = delete;
+
+    unsigned char* last(std::size_t byteNum) const
+    {
+        return static_cast<unsigned char*>(m_pStart) + m_nBytes - byteNum;
+    }
+
+private:
+    std::size_t m_nBytes;
+    void* m_pStart;
+};
 
 }  // namespace
 
@@ -325,6 +353,7 @@ private Q_SLOTS:
     void halfPixelsOfUnscaledPicturesRoundUpButNotInOverlays();
     void otherCanvasesAreLeftToThePainter();
     void rowsWithPaddingAreClearedToTheirEnd();
+    void noByteBehindThePictureIsTouched();
     void steadyDrawingInEveryModeTakesNoFreshMemory();
 };
 
@@ -400,6 +429,8 @@ void TestDirectDrawing::picturesThatEndInTheMiddleOfAPixel()
         {{100, 57}, {25, 7}, {0, -3.625, 25, 14.25}}, {{148, 3}, {4, 6}, {-3, 3, 8, 7}},
         {{52, 381}, {4, 3}, {0, -1, 5, 6}},           {{23, 6}, {93, 7}, {-69, -1, 95, 12}},
         {{102, 3}, {2, 68}, {-1, -48, 4, 80}},        {{217, 16}, {50, 71}, {-2, -46, 28, 133}},
+        {{30, 111}, {30, 32}, {11, -20, 76, 109}},    {{96, 38}, {9, 41}, {-13, -3, 66, 176}},
+        {{11, 67}, {51, 43}, {5.5, -7.75, 11, 29.5}},  // begins there, and is scaled downwards only
     };
     for (const auto& row : rows) {
         const QImage rgb = rgbOfColour(colourPixels(row.m_cPicture, 6));
@@ -439,6 +470,7 @@ void TestDirectDrawing::usualPlacementsNeedNoPainter()
                 QImage canvas = black(size);
                 QVERIFY(DirectDrawing::replace(canvas, grey, part));
                 QVERIFY(DirectDrawing::overlay(canvas, grey, part, Blocks));
+                QVERIFY(DirectDrawing::overlay(canvas, grey, part, Nothing));
             }
         }
     }
@@ -456,6 +488,7 @@ void TestDirectDrawing::extremePlacementsAreLeftToThePainter()
         {{1000, 10}, {10, 10}, {0, 0, 5, 10}},  // grown two hundred times
         {{10, 1000}, {10, 10}, {0, 0, 10, 5}},
         {{20, 20}, {5, 5}, {1, 1, 2, 2}},              // two pixels each way
+        {{20, 20}, {5, 5}, {3, 3, 6, 6}},              // the last two each way
         {{20, 20}, {5, 5}, {-1, -1, 2, 2}},            // one pixel
         {{20, 20}, {5, 5}, {6, 0, 5, 5}},              // beside the picture
         {{1000, 10}, {20000, 10}, {0, 0, 20000, 10}},  // a long side, scaled
@@ -514,6 +547,23 @@ void TestDirectDrawing::rowsWithPaddingAreClearedToTheirEnd()
     QVERIFY(DirectDrawing::replace(canvas, picture, QRectF(0, 0, 9, 9)));
     for (int y = 0; y < 5; ++y)
         QCOMPARE(static_cast<int>(canvas.constScanLine(y)[15]), 0);
+}
+
+void TestDirectDrawing::noByteBehindThePictureIsTouched()
+{
+    const GuardedPage page;
+    const QImage grey(page.last(33 * 21), 33, 21, 33, QImage::Format_Grayscale8);
+    const QImage rgb(page.last(36 * 21), 12, 21, 36, QImage::Format_RGB888);
+    const QImage bgr(page.last(36 * 21), 12, 21, 36, QImage::Format_BGR888);
+    for (const QSize size : {QSize(33, 21), QSize(12, 21), QSize(20, 15), QSize(70, 50)}) {
+        QImage canvas = noise(size);
+        for (const QImage& picture : {rgb, bgr, grey})
+            QVERIFY(DirectDrawing::replace(canvas, picture, picture.rect()));
+        for (const auto colours :
+             {GreyOverlay::Colours::Greys, GreyOverlay::Colours::Blocks, GreyOverlay::Colours::OneColour})
+            QVERIFY(DirectDrawing::overlay(canvas, grey, grey.rect(), {colours, 0xFFFFFFFF, false, true}));
+        QVERIFY(sameBytes(canvas, black(size)));
+    }
 }
 
 void TestDirectDrawing::steadyDrawingInEveryModeTakesNoFreshMemory()

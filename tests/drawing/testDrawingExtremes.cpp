@@ -3,12 +3,14 @@
 #include "drawing/shapeDrawingOpt.h"
 #include "drawing/viewScaleOpt.h"
 #include "drawingSupport.h"
+#include "memoryLimit.h"
 
 #include <QtTest>
 
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <vector>
 
 using namespace DrawingSupport;
 
@@ -52,6 +54,7 @@ private Q_SLOTS:
     void integerQuotientZeroSaturatesTheShapesBehindIt();
     void placementOfExtremeSizes();
     void pictureWiderThanTheRasterisersNumbers();
+    void overlayThatMemoryDoesNotSufficeForIsLeftOut();
 
 private:
     std::unique_ptr<WarningCounter> m_pcWarnings;
@@ -267,6 +270,29 @@ void TestDrawingExtremes::pictureWiderThanTheRasterisersNumbers()
             QVERIFY2(*scale == '1' || canvas.pixel(20, 15) == qRgb(90, 90, 90), text.constData());
         }
     }
+}
+
+void TestDrawingExtremes::overlayThatMemoryDoesNotSufficeForIsLeftOut()
+{
+    if (!MemoryLimit::works())
+        QSKIP("A sanitizer's shadow memory does not fit the limit");
+    // Shrunk so much that the painter draws it, which needs four bytes for each of its pixels.
+    constexpr int width = 8000;
+    constexpr int height = 5000;
+    const Store store = makeStore();
+    std::vector<unsigned char> grey(std::size_t{width} * height, 200);
+    Drawing::Gray8DrawingOpt option(1, grey.data(), width, height);
+    option.setScaleType(3);
+    option.setDrawMode(1);
+    QImage canvas = filledCanvas(50, 50, 0xFF123456);
+    {
+        const MemoryLimit limit(64U << 20U);
+        option.draw(&canvas, store.get());
+    }
+    QCOMPARE(difference(canvas, filledCanvas(50, 50, 0xFF123456)), QString());
+
+    option.draw(&canvas, store.get());
+    QCOMPARE(difference(canvas, filledCanvas(50, 50, 0xFFC8C8C8)), QString());
 }
 
 QTEST_MAIN(TestDrawingExtremes)

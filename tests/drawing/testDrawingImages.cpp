@@ -135,6 +135,7 @@ private Q_SLOTS:
     void unknownScaleTypeOfANormalPictureOnlyClears();
     void unknownScaleTypeOfAnOverlayLeavesTheCanvas();
     void lastPixelOfANormalGreyPictureStaysBlack();
+    void lastPixelIsThereAgainWhenTheOptionBecomesAnOverlay();
     void overlayShowsGreyAndKeepsTheCanvasAtZero();
     void overlayShowsPaletteColoursWhenLapped();
     void mask_data();
@@ -329,6 +330,19 @@ void TestDrawingImages::lastPixelOfANormalGreyPictureStaysBlack()
     QImage expected = filledCanvas(3, 2, 0xFFFFFFFF);
     expected.setPixel(2, 1, 0xFF000000);
     QCOMPARE(difference(canvas, expected), QString());
+}
+
+void TestDrawingImages::lastPixelIsThereAgainWhenTheOptionBecomesAnOverlay()
+{
+    unsigned char white[] = {255, 255, 255, 255, 255, 255};
+    Drawing::Gray8DrawingOpt option(1, white, 3, 2);
+    QImage canvas = pattern(3, 2);
+    option.draw(&canvas, m_cStore.get());
+    option.setDrawMode(1);
+
+    option.draw(&canvas, m_cStore.get());
+
+    QCOMPARE(difference(canvas, filledCanvas(3, 2, 0xFFFFFFFF)), QString());
 }
 
 void TestDrawingImages::overlayShowsGreyAndKeepsTheCanvasAtZero()

@@ -5,7 +5,6 @@
 #include <QtTest>
 
 #include <atomic>
-#include <cmath>
 #include <thread>
 
 using namespace DrawingSupport;
@@ -96,9 +95,6 @@ private Q_SLOTS:
     void drawDuringReplacementsShowsOneListOrTheOther();
     void missingRecordsAreNotMade();
     void nothingHappensWithoutCanvasOrStore();
-    void triangleArea_data();
-    void triangleArea();
-    void polygonArea();
 
 private:
     Option option(const QByteArray& dataType, const QByteArray& config)
@@ -183,6 +179,11 @@ void TestDrawingShapes::pointsWithASizeAreCrosses()
     fill(expected, 118, 46, 118, 54, OrangePixel);
     QCOMPARE(difference(drawn("3", "<Size>4</Size><Color>" + QByteArray::number(Orange) + "</Color>"), expected),
              QString());
+
+    expected = blank();
+    cross(expected, 10, 20, 1, 0xFFFFFFFF);
+    cross(expected, 118, 50, 1, 0xFFFFFFFF);
+    QCOMPARE(difference(drawn("3", "<Size>1</Size><Color>-1</Color>"), expected), QString());
 }
 
 void TestDrawingShapes::shapesLandThroughTheViewsEntry()
@@ -330,10 +331,19 @@ void TestDrawingShapes::lengthCountsCanvasPixels()
 
 void TestDrawingShapes::polygonsAreClosedAndExchangeRedAndBlue()
 {
-    m_cStore->getParamPolys(1)->append({{10, 10}, {50, 10}, {50, 40}, {10, 40}});
+    ParamPolys* polys = m_cStore->getParamPolys(1);
+    polys->append({{70, 10}, {100, 10}, {100, 40}});
     const QByteArray color = "<BorderColor>" + QByteArray::number(Orange) + "</BorderColor>";
 
     QImage expected = blank();
+    fill(expected, 70, 10, 100, 10, ExchangedOrange);
+    fill(expected, 100, 10, 100, 40, ExchangedOrange);
+    for (int i = 0; i <= 30; ++i)
+        expected.setPixel(70 + i, 10 + i, ExchangedOrange);
+    QCOMPARE(difference(drawn("5", color), expected), QString());
+
+    polys->replaceAll({{{10, 10}, {50, 10}, {50, 40}, {10, 40}}});
+    expected = blank();
     box(expected, 10, 10, 50, 40, ExchangedOrange);
     QCOMPARE(difference(drawn("5", color), expected), QString());
 
@@ -355,12 +365,12 @@ void TestDrawingShapes::polygonsOfTwoVerticesAreNotDrawn()
 
 void TestDrawingShapes::areaOfAPolygonStandsAtItsMeanVertexWithItsSign()
 {
-    m_cStore->getParamPolys(1)->append({{20, 30}, {20, 60}, {60, 30}});  // the negative way round, 30 x 40 / 2
+    m_cStore->getParamPolys(1)->append({{20, 30}, {20, 62}, {61, 30}});  // the negative way round, 32 x 41 / 2
     Drawing::s_acVSO[0] = {1.0F, 1.0F, 0, 0};
     const QByteArray config = "<BorderColor>" + QByteArray::number(Orange) + "</BorderColor>";
 
     QImage expected = drawn("5", config);
-    write(expected, 33, 40, QStringLiteral("-600.00"), InvertedOrange);
+    write(expected, 33, 40, QStringLiteral("-656.00"), InvertedOrange);
     QCOMPARE(difference(drawn("5", config + "<DspArea>1</DspArea>"), expected), QString());
 }
 
@@ -556,43 +566,6 @@ void TestDrawingShapes::nothingHappensWithoutCanvasOrStore()
 
     QCOMPARE(difference(canvas, blank()), QString());
     QCOMPARE(warnings.count(), 0);
-}
-
-void TestDrawingShapes::triangleArea_data()
-{
-    using Places = QVector<float>;
-    QTest::addColumn<Places>("places");
-    QTest::addColumn<float>("area");
-    QTest::newRow("right angle") << Places{0, 0, 4, 0, 0, 3} << 6.0F;
-    QTest::newRow("the other way round") << Places{0, 0, 0, 3, 4, 0} << -6.0F;
-    QTest::newRow("collinear") << Places{0, 0, 1, 0, 2, 0} << 0.0F;
-    QTest::newRow("one place") << Places{5, 5, 5, 5, 5, 5} << 0.0F;
-    // Sides 1/8, 1/8 and a right angle: the product is 2^-14, above 0.0001 only for the next size.
-    QTest::newRow("product not above 0.0001 stands for itself") << Places{0, 0, 0.125F, 0, 0, 0.125F} << 0.000061035F;
-    QTest::newRow("negative product shortcut") << Places{0, 0, 0, 0.125F, 0.125F, 0} << -0.000061035F;
-    QTest::newRow("just above, the root") << Places{0, 0, 0.25F, 0, 0, 0.125F} << 0.015625F;
-}
-
-void TestDrawingShapes::triangleArea()
-{
-    QFETCH(QVector<float>, places);
-    QFETCH(float, area);
-
-    const float result = Drawing::PolysDrawingOpt::getTriangleArea2D(&places[0], &places[2], &places[4]);
-
-    QVERIFY2(std::abs(result - area) <= std::abs(area) * 1e-4F, qPrintable(QString::number(double(result), 'g', 9)));
-}
-
-void TestDrawingShapes::polygonArea()
-{
-    float square[] = {0, 0, 10, 0, 10, 10, 0, 10};
-    QCOMPARE(Drawing::PolysDrawingOpt::getPolyArea2D(square, 4), 100.0F);
-    QCOMPARE(Drawing::PolysDrawingOpt::getPolyArea2D(square, 3), 50.0F);
-    for (const int n : {2, 1, 0, -1})
-        QCOMPARE(Drawing::PolysDrawingOpt::getPolyArea2D(square, n), 0.0F);
-    // A dent: the fan takes the triangle beyond it off again.
-    float dented[] = {0, 0, 4, 0, 1, 1, 0, 4};
-    QVERIFY(std::abs(Drawing::PolysDrawingOpt::getPolyArea2D(dented, 4) - 4.0F) < 0.001F);
 }
 
 QTEST_MAIN(TestDrawingShapes)

@@ -2,6 +2,7 @@
 #include "drawing/grayPalette.h"
 #include "drawing/imageDrawingOpt.h"
 #include "drawing/shapeDrawingOpt.h"
+#include "drawing/viewScaleOpt.h"
 #include "drawingSupport.h"
 
 #include <QtTest>
@@ -18,6 +19,7 @@ class TestDrawingText : public QObject
 
 private Q_SLOTS:
     void entriesStartAtScaleOneWithoutOffset();
+    void viewThatIsNotThereHasScaleOneWithoutOffset();
     void identityIsThatOfTheDrawingStep();
     void textsWithoutAnOption_data();
     void textsWithoutAnOption();
@@ -56,6 +58,17 @@ void TestDrawingText::entriesStartAtScaleOneWithoutOffset()
 {
     QCOMPARE(Drawing::s_acVSO.size(), std::size_t{6});
     for (const Drawing::ViewScaleOpt& entry : Drawing::s_acVSO) {
+        QCOMPARE(entry.m_fScaleX, 1.0F);
+        QCOMPARE(entry.m_fScaleY, 1.0F);
+        QCOMPARE(entry.m_nOffsetX, 0);
+        QCOMPARE(entry.m_nOffsetY, 0);
+    }
+}
+
+void TestDrawingText::viewThatIsNotThereHasScaleOneWithoutOffset()
+{
+    for (const int view : {-1, 6}) {
+        const Drawing::ViewScaleOpt entry = ViewScale::entryOf(view);
         QCOMPARE(entry.m_fScaleX, 1.0F);
         QCOMPARE(entry.m_fScaleY, 1.0F);
         QCOMPARE(entry.m_nOffsetX, 0);

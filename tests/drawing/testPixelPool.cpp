@@ -24,6 +24,7 @@ private Q_SLOTS:
     void movingHandsTheMemoryOver();
     void freeMemoryStaysBoundedInNumber();
     void freeMemoryStaysBoundedInBytes();
+    void asManyFreeBytesAsAllowedAreKept();
     void steadyDrawingAllocatesNoPictureMemory();
     void manyThreadsShareThePool();
 };
@@ -59,6 +60,8 @@ void TestPixelPool::aMuchLargerBufferIsNotWasted()
 
     QVERIFY(small.data() != large);
     QVERIFY(PooledPixels::poolState().m_nAllocations >= before.m_nAllocations + 1);
+    const unsigned char* larger = PooledPixels(250000).data();
+    QVERIFY(PooledPixels(100000).data() != larger);
 }
 
 void TestPixelPool::noMemoryForNothingOrForTooMuch()
@@ -72,7 +75,7 @@ void TestPixelPool::noMemoryForNothingOrForTooMuch()
 
 void TestPixelPool::movingHandsTheMemoryOver()
 {
-    PooledPixels first(777);
+    PooledPixels first(7770);
     unsigned char* data = first.data();
 
     PooledPixels second(std::move(first));
@@ -81,6 +84,8 @@ void TestPixelPool::movingHandsTheMemoryOver()
 
     QCOMPARE(static_cast<const void*>(third.data()), static_cast<const void*>(data));
     QVERIFY(!second.data());  // NOLINT: what a moved-from one holds is part of its contract
+    third = PooledPixels();
+    QCOMPARE(static_cast<const void*>(PooledPixels(7770).data()), static_cast<const void*>(data));
 }
 
 void TestPixelPool::freeMemoryStaysBoundedInNumber()
@@ -105,6 +110,15 @@ void TestPixelPool::freeMemoryStaysBoundedInBytes()
     const auto state = PooledPixels::poolState();
     QVERIFY(state.m_nFreeBytes <= PooledPixels::MaxFreeBytes);
     QVERIFY(state.m_nFreeBytes >= PooledPixels::MaxFreeBytes / 7 * 6);  // three of them are kept
+}
+
+void TestPixelPool::asManyFreeBytesAsAllowedAreKept()
+{
+    const unsigned char* largest = PooledPixels(PooledPixels::MaxFreeBytes).data();
+
+    QCOMPARE(PooledPixels::poolState().m_nFreeBytes, PooledPixels::MaxFreeBytes);
+    const PooledPixels again(PooledPixels::MaxFreeBytes);
+    QCOMPARE(static_cast<const void*>(again.data()), static_cast<const void*>(largest));
 }
 
 void TestPixelPool::steadyDrawingAllocatesNoPictureMemory()
