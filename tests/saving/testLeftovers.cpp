@@ -17,6 +17,8 @@ using namespace PictureSupport;
 
 namespace {
 
+constexpr int NoOtherUser = 3;  // How a child ends that cannot become an ordinary user.
+
 /// The number of a process that has ended.
 int endedProcess()
 {
@@ -171,6 +173,7 @@ private Q_SLOTS:
             ::pause();
             ::_exit(0);
         }
+        auto endIt = qScopeGuard([child] { ::kill(child, SIGKILL); });  // should the test end before
         // Among others, whatever the order that the folder has them in.
         const int ended = endedProcess();
         for (int i = 0; i < 20; ++i) {
@@ -179,6 +182,7 @@ private Q_SLOTS:
         }
         QVERIFY(savePicture(folder));
         const QStringList names = folder.names();
+        endIt.dismiss();
         ::kill(child, SIGKILL);
         int status = 0;
         QCOMPARE(::waitpid(child, &status, 0), child);
@@ -202,13 +206,15 @@ private Q_SLOTS:
         const pid_t child = ::fork();
         if (child == 0) {
             constexpr uid_t Nobody = 65534;
-            const bool isOrdinary = ::geteuid() != 0 || ::setresuid(Nobody, Nobody, Nobody) == 0;
-            if (isOrdinary)
-                Leftovers::removeBeside(QString::fromLocal8Bit(made));
-            ::_exit(isOrdinary ? 0 : 1);
+            if (::geteuid() == 0 && ::setresuid(Nobody, Nobody, Nobody) != 0)
+                ::_exit(NoOtherUser);
+            Leftovers::removeBeside(QString::fromLocal8Bit(made));
+            ::_exit(0);
         }
         int status = 0;
         QCOMPARE(::waitpid(child, &status, 0), child);
+        if (WIFEXITED(status) && WEXITSTATUS(status) == NoOtherUser)
+            QSKIP("This name space of users has no other than the super user.");
         QCOMPARE(status, 0);
         QVERIFY(!QFile::exists(ofEnded));
         QVERIFY(QFile::exists(ofFirst));

@@ -15,6 +15,8 @@ using namespace SavingSupport;
 
 namespace {
 
+constexpr int NoOtherUser = 3;  // How a child ends that cannot become an ordinary user.
+
 enum Content
 {
     Noisy,
@@ -193,15 +195,17 @@ private Q_SLOTS:
         if (child == 0) {
             // The super user may write everything.
             constexpr uid_t Nobody = 65534;
-            const bool isOrdinary = ::geteuid() != 0 || ::setresuid(Nobody, Nobody, Nobody) == 0;
+            if (::geteuid() == 0 && ::setresuid(Nobody, Nobody, Nobody) != 0)
+                ::_exit(NoOtherUser);
             const QImage picture = plainPicture(2, 2, 0xFF102030);
-            ::_exit(isOrdinary && PictureFile::write(picture, folder.path("b.bmp")) &&
-                            !PictureFile::write(picture, path)
-                        ? 0
-                        : 1);
+            const bool isRight =
+                PictureFile::write(picture, folder.path("b.bmp")) && !PictureFile::write(picture, path);
+            ::_exit(isRight ? 0 : 1);
         }
         int status = -1;
         QCOMPARE(::waitpid(child, &status, 0), child);
+        if (WIFEXITED(status) && WEXITSTATUS(status) == NoOtherUser)
+            QSKIP("This name space of users has no other than the super user.");
         QCOMPARE(status, 0);
         QCOMPARE(bytesOf(path), QByteArray("kept"));
         QCOMPARE(folder.names(), (QStringList{"a.bmp", "b.bmp"}));
