@@ -1,8 +1,6 @@
 // How long does it take until the window shows? Ends as soon as it was painted: "bare" shows an empty window of Qt,
 // "workbench" the workbench, with the plug-ins beside the program.
 #include "mainwindow.h"
-#include "memoryArenas.h"
-#include "qtTexts.h"
 #include "startUp.h"
 
 #include <QApplication>
@@ -42,11 +40,9 @@ int main(int argc, char* argv[])
         QMainWindow window;
         return showUntilPainted(window);
     }
-    MemoryArenas::setUp();
-    StartUp::preparePixels();
+    StartUp::prepare(argc, argv);
     QApplication application(argc, argv);
-    QtTexts::makeChinese();
-    StartUp::useDrawnIcons();
+    StartUp::dress();
     MainWindow window;
     return showUntilPainted(window);
 }

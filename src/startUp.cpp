@@ -1,7 +1,10 @@
 #include "startUp.h"
 
+#include "bareScreen.h"
 #include "forms/drawnIcons.h"
 #include "mainwindow.h"
+#include "memoryArenas.h"
+#include "qtTexts.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -29,14 +32,37 @@ void noteEndSignal(int)
 
 }  // namespace
 
-void StartUp::preparePixels()
+int StartUp::run(Program program, int argc, char* argv[])
 {
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    prepare(argc, argv);
+    QApplication application(argc, argv);
+    dress();
+    MainWindow window;
+    const BareScreen screen(&window);
+    if (program == Program::Kiosk) {
+        showOverScreen(window);
+        quitOnEndSignals();
+    } else {
+        BareScreen::fit(&window);
+        window.show();
+    }
+    openNamedProject(window, QApplication::arguments());
+    if (program == Program::Kiosk)
+        window.on_btnStartAll_clicked();
+    return QApplication::exec();
 }
 
-void StartUp::useDrawnIcons()
+void StartUp::prepare(int argc, const char* const* argv)
 {
+    MemoryArenas::setUp();
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    BareScreen::prepare(argc, argv);
+}
+
+void StartUp::dress()
+{
+    QtTexts::makeChinese();
     QApplication::setStyle(new DrawnIcons::Style(QApplication::style()));
 }
 

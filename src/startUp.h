@@ -5,14 +5,24 @@
 class MainWindow;
 class QWidget;
 
-/// What the programs do between the start of their process and the event loop.
+/// What the programs do from the start of their process on.
 namespace StartUp {
 
-/// Before the application object is made: how it treats dense screens.
-void preparePixels();
+enum class Program
+{
+    Workbench,  ///< A window like others; opens the project that its arguments name.
+    Kiosk       ///< Fills the screen, runs all tasks of its project, and ends as services do.
+};
 
-/// With an application object, before the first window: what a bar asks the style for as it is made is drawn, not read.
-void useDrawnIcons();
+/// All of a program; gives what its main function gives back. Once per process.
+int run(Program program, int argc, char* argv[]);
+
+/// Before the application object is made: how memory is kept, and how large things are on dense and on bare screens.
+void prepare(int argc, const char* const* argv);
+
+/// With an application object, before the first window: Qt's texts in Chinese, and what a bar asks the style for as it
+/// is made is drawn, not read from a file.
+void dress();
 
 /**
  * Opens the project file that the first argument behind the program's name names, as the open command does.

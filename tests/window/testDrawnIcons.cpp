@@ -89,7 +89,7 @@ QByteArrayList formatsLoaded()
 // First of all: later tests load them. The window's start-up is a sixth longer with them.
 void TestDrawnIcons::windowShowsWithoutLoadingPictureFormats()
 {
-    StartUp::useDrawnIcons();
+    StartUp::dress();
     const WindowFixture fixture;
     fixture.m_pcWindow->grab();
     QCOMPARE(formatsLoaded(), QByteArrayList());
@@ -187,7 +187,7 @@ void TestDrawnIcons::copyOfAnIconDrawsTheSame()
 
 void TestDrawnIcons::barThatIsTooNarrowShowsADrawnDoubleArrow()
 {
-    StartUp::useDrawnIcons();
+    StartUp::dress();
     QMainWindow window;
     QToolBar* const bar = window.addToolBar(QStringLiteral("bar"));
     for (int i = 0; i < 40; ++i)
