@@ -22,9 +22,8 @@ std::unique_ptr<Drawing::DrawingOpt> GlobalFunction::ViewDrawOption::takeOldest(
 {
     if (m_nCount < 1)
         return nullptr;
-    std::unique_ptr<Drawing::DrawingOpt> oldest(m_apcOptions.front());
-    std::move(m_apcOptions.begin() + 1, m_apcOptions.end(), m_apcOptions.begin());
-    m_apcOptions.back() = nullptr;
+    std::unique_ptr<Drawing::DrawingOpt> oldest(std::exchange(m_apcOptions.front(), nullptr));
+    std::rotate(m_apcOptions.begin(), m_apcOptions.begin() + 1, m_apcOptions.end());
     --m_nCount;
     return oldest;
 }

@@ -10,7 +10,6 @@ RecordTable::RecordTable(QTableWidget* table) : m_pcTable(table)
     m_pcTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_pcTable->setSelectionMode(QAbstractItemView::SingleSelection);
     m_pcTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_pcTable->setSortingEnabled(false);  // a row keeps its place: it stands for a record
     m_pcTable->setAlternatingRowColors(true);
     m_pcTable->setWordWrap(false);
     m_pcTable->setTabKeyNavigation(false);  // Tab leaves the table for the next field
@@ -38,10 +37,7 @@ int RecordTable::selectedRow() const
 
 void RecordTable::selectRow(int row)
 {
-    if (!m_mapRowToID.contains(row))
-        return;
     m_pcTable->selectRow(row);
-    m_pcTable->scrollToItem(m_pcTable->item(row, 0));
 }
 
 QString RecordTable::text(int row, int column) const

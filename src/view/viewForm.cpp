@@ -52,7 +52,7 @@ ViewForm::ViewForm(int index, QWidget* parent)
     : QWidget(parent),
       m_pcUi(std::make_unique<Ui::ViewForm>()),
       m_nIndex(index),
-      m_pcCanvas(std::make_unique<QImage>(0, 0, QImage::Format_RGB888)),
+      m_pcCanvas(std::make_unique<QImage>()),
       m_pcTimer(std::make_unique<QTimer>())
 {
     m_pcUi->setupUi(this);
@@ -64,9 +64,6 @@ ViewForm::ViewForm(int index, QWidget* parent)
 
 ViewForm::~ViewForm()
 {
-    m_pcTimer->stop();
-    m_pcTimer.reset();
-    m_pcUi.reset();
     std::replace(s_apcViewForms.begin(), s_apcViewForms.end(), this, static_cast<ViewForm*>(nullptr));
 }
 
@@ -140,12 +137,10 @@ void ViewForm::paintDragRectangle(QPainter& painter) const
     const int y = ViewScale::toPicture(m_nStartY, entry.m_nOffsetY, entry.m_fScaleY);
     const int width = covered(m_nEndX - m_nStartX + 1, entry.m_fScaleX);
     const int height = covered(m_nEndY - m_nStartY + 1, entry.m_fScaleY);
-    painter.save();
     painter.setPen(Qt::red);
     drawOutline(painter, {m_nStartX, m_nStartY}, {m_nEndX, m_nEndY});
     painter.drawText(50, 20, QString::asprintf("x=%d, y=%d", x, y));
     painter.drawText(50, 40, QString::asprintf("w=%d, h=%d", width, height));
-    painter.restore();
 }
 
 void ViewForm::resizeEvent(QResizeEvent* /*event*/)

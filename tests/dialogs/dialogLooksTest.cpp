@@ -171,6 +171,12 @@ private Q_SLOTS:
         QCOMPARE(QApplication::focusWidget()->objectName(), field);
     }
 
+    void nameInputHasNoHelpButton()
+    {
+        const dlgNameInput dialog;
+        QVERIFY(!dialog.windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
+    }
+
     void openedDialogFitsTheScreenAndKeepsItsFirstField()
     {
         for (const bool accept : {true, false}) {

@@ -110,6 +110,34 @@ private Q_SLOTS:
         QCOMPARE(m_pcTable->horizontalScrollBar()->value(), 0);
     }
 
+    void rowNumbersAreNotShown()
+    {
+        const RecordTable table(m_pcTable.get());
+        m_pcTable->show();
+        QVERIFY(!m_pcTable->verticalHeader()->isVisible());
+    }
+
+    void headersLookTheSameWhenARowIsSelected()
+    {
+        m_cStore->getParamDIB(1)->setName(QStringLiteral("name"));
+        RecordTable table(m_pcTable.get());
+        table.fill(m_cStore->requestParamDIBMap());
+        m_pcTable->show();
+        const QImage before = m_pcTable->horizontalHeader()->grab().toImage();
+        table.selectRow(0);
+        QCOMPARE(m_pcTable->horizontalHeader()->grab().toImage(), before);
+    }
+
+    void firstColumnIsAsWideAsItsTexts()
+    {
+        const QString name = QStringLiteral("a name that is wider than columns are");
+        m_cStore->getParamDIB(1)->setName(name);
+        RecordTable table(m_pcTable.get());
+        table.fill(m_cStore->requestParamDIBMap());
+        QVERIFY(m_pcTable->columnWidth(0) >= m_pcTable->fontMetrics().horizontalAdvance(name));
+        QVERIFY(m_pcTable->columnWidth(0) > 100);  // which it is without texts
+    }
+
     void rowsAlternateInColour()
     {
         const RecordTable table(m_pcTable.get());
@@ -152,6 +180,34 @@ private Q_SLOTS:
         m_pcTable->setColumnWidth(1, 100);
         QCOMPARE(tipOver(0, 0), QString());
         QCOMPARE(tipOver(0, 1), wide);
+    }
+
+    void tipOfACellGoesBeforeThatOfTheTable()
+    {
+        const QString wide = QStringLiteral("a name that is much wider than its column");
+        m_cStore->getParamDIB(1)->setName(wide);
+        RecordTable table(m_pcTable.get());
+        table.fill(m_cStore->requestParamDIBMap());
+        m_pcTable->setToolTip(QStringLiteral("of the table"));
+        m_pcTable->show();
+        QCOMPARE(tipOver(0, 0), QStringLiteral("of the table"));
+        m_pcTable->setColumnWidth(0, 50);
+        QCOMPARE(tipOver(0, 0), wide);
+        QToolTip::hideText();
+    }
+
+    void cutOffCellIsNotShownWhenAskedWhatItIs()
+    {
+        m_cStore->getParamDIB(1)->setName(QStringLiteral("a name that is much wider than its column"));
+        RecordTable table(m_pcTable.get());
+        table.fill(m_cStore->requestParamDIBMap());
+        m_pcTable->setColumnWidth(0, 50);
+        m_pcTable->show();
+        const QPoint place = m_pcTable->visualItemRect(m_pcTable->item(0, 0)).center();
+        QHelpEvent help(QEvent::WhatsThis, place, m_pcTable->viewport()->mapToGlobal(place));
+        QTRY_COMPARE(QToolTip::text(), QString());
+        QApplication::sendEvent(m_pcTable->viewport(), &help);
+        QCOMPARE(QToolTip::text(), QString());
     }
 
     void lastColumnFillsTheTable()

@@ -28,6 +28,7 @@ private slots:
     void callersListStaysItsOwn();
     void snapshotIsNotTouchedByLaterChanges();
     void snapshotHoldsTheWholeList();
+    void memoryThatWasSharedIsNeverWrittenAgain();
 };
 
 void StoreListsTest::newListsAreEmpty()
@@ -52,7 +53,7 @@ void StoreListsTest::pointsAreCopiedOutByIndex()
 
     ParamPoints::Point point{};
     QCOMPARE(record->getPointNum(), 2);
-    QVERIFY(record->getPoint(point, 1) != 0);
+    QCOMPARE(record->getPoint(point, 1), 1);
     QCOMPARE(point.x, -3);
     QCOMPARE(point.y, 4);
 }
@@ -67,7 +68,7 @@ void StoreListsTest::linesAreCopiedOutByIndex()
 
     ParamLines::Line line{};
     QCOMPARE(record->getLineNum(), 2);
-    QVERIFY(record->getLine(line, 0) != 0);
+    QCOMPARE(record->getLine(line, 0), 1);
     QCOMPARE(line.x1, 1);
     QCOMPARE(line.y1, 2);
     QCOMPARE(line.x2, 3);
@@ -83,7 +84,7 @@ void StoreListsTest::areasAreCopiedOutByIndex()
 
     ParamAreas::Area area{};
     QCOMPARE(record->getAreaNum(), 1);
-    QVERIFY(record->getArea(area, 0) != 0);
+    QCOMPARE(record->getArea(area, 0), 1);
     QCOMPARE(area.label, 1);
     QCOMPARE(area.top, 2);
     QCOMPARE(area.bottom, 3);
@@ -315,6 +316,25 @@ void StoreListsTest::snapshotHoldsTheWholeList()
     QCOMPARE(lines.size(), 1000);
     for (int i = 0; i < 1000; ++i)
         QCOMPARE(lines.at(i).y2, i + 3);
+}
+
+// A reader on another thread may have let go of it only just now.
+void StoreListsTest::memoryThatWasSharedIsNeverWrittenAgain()
+{
+    const StoreGuard store;
+    ParamPoints* record = store->getParamPoints(1);
+    record->append({0, 0});
+    QVector<ParamPoints::Point> given{{1, 1}};
+    given.reserve(100);
+    const void* before = given.constData();
+    record->replaceAll(given);
+    given = {};
+    for (int i = 0; i < 20; ++i) {
+        record->append({i, i});
+        const void* after = record->getPoints().constData();
+        QVERIFY(after != before);
+        before = after;
+    }
 }
 
 QTEST_GUILESS_MAIN(StoreListsTest)

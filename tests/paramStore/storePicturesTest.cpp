@@ -85,6 +85,9 @@ private slots:
     void emptyPictureKeepsItsMemoryForTheNext();
     void lackOfMemoryMakesAnEmptyPicture_data() { kindsTable(); }
     void lackOfMemoryMakesAnEmptyPicture();
+    void gray16TakesNoMoreMemoryThanItsSamples();
+    void pictureThatGrowsGivesItsOldMemoryBackFirst_data() { kindsTable(); }
+    void pictureThatGrowsGivesItsOldMemoryBackFirst();
     void gray16HoldsWholeSamples();
     void cleanedStoreMakesEmptyPicturesAgain();
 
@@ -267,9 +270,40 @@ void StorePicturesTest::lackOfMemoryMakesAnEmptyPicture()
     QCOMPARE(picture.width(), 0);
     QCOMPARE(picture.height(), 0);
     QVERIFY(!picture.buffer());
+    picture.resize(1, 1);
+    QVERIFY(picture.buffer());
     picture.resize(8, 8);
     QCOMPARE(picture.width(), 8);
     QVERIFY(picture.buffer());
+}
+
+void StorePicturesTest::gray16TakesNoMoreMemoryThanItsSamples()
+{
+    if (!MemoryLimit::works())
+        QSKIP("A sanitizer's shadow memory does not fit the limit");
+    const StoreGuard store;
+    {
+        const MemoryLimit limit(64U << 20U);
+        store->getParamGray16(1)->resize(5000, 4000);  // 40 MB
+    }
+
+    QCOMPARE(store->getParamGray16(1)->getWidth(), 5000);
+}
+
+void StorePicturesTest::pictureThatGrowsGivesItsOldMemoryBackFirst()
+{
+    if (!MemoryLimit::works() || sizeof(void*) == 4)
+        QSKIP("A sanitizer's shadow memory does not fit the limit, and an emulator leaves no room for larger pieces");
+    QFETCH(QString, kind);
+    const StoreGuard store;
+    const Picture picture = pictureOf(store, kind);
+    picture.resize(12000, 9000);
+    {
+        const MemoryLimit limit(64U << 20U);
+        picture.resize(12000, 9100);
+    }
+
+    QCOMPARE(picture.height(), 9100);
 }
 
 void StorePicturesTest::gray16HoldsWholeSamples()

@@ -41,6 +41,7 @@ void tstMarkup::bodyIsFoundBetweenFirstMarkers_data()
     row("line feeds stay in the body", "<A>\nx\r\n</A>", "\nx\r\n");
     row("chinese body", "<A>算法</A>", "算法");
     row("similar marker is another one", "<AB>x</AB>", "");
+    row("no marker to open with is found at the start", "ab</A>", "ab", "", "</A>");
     row("the same marker on both sides", "|x|", "", "|", "|");
 }
 

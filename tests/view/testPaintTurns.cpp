@@ -77,6 +77,24 @@ public:
     QVector<int> m_vecPaints;  ///< Views painted, one number for each update of the window.
 };
 
+/// Counts the events of one kind that an object gets while it lives.
+class EventCounter : public QObject
+{
+public:
+    EventCounter(QObject* object, QEvent::Type type) : m_eType(type) { object->installEventFilter(this); }
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        const auto* timer = event->type() == QEvent::Timer ? qobject_cast<QTimer*>(object) : nullptr;
+        m_nCount += event->type() == m_eType && (!timer || timer->interval() == 0);
+        return false;
+    }
+    int count() const { return m_nCount; }
+
+private:
+    QEvent::Type m_eType;
+    int m_nCount = 0;
+};
+
 }  // namespace
 
 /// Several busy views in one window.
@@ -117,6 +135,97 @@ private Q_SLOTS:
         delete window.m_apcViews[0];
 
         QTRY_COMPARE_WITH_TIMEOUT(waiting(1), 0, 30000);
+    }
+
+    void aViewThatAsksAgainWhileItWaitsIsPaintedOnce()
+    {
+        WatchedWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QTest::qWait(50);  // the paints that come with showing
+        const EventCounter first(window.m_apcViews[0], QEvent::Paint);
+        const EventCounter last(window.m_apcViews[3], QEvent::Paint);
+
+        for (int i = 0; i < 5; ++i)
+            PaintTurns::ask(window.m_apcViews[0]);
+        PaintTurns::ask(window.m_apcViews[3]);
+
+        QTRY_COMPARE_WITH_TIMEOUT(last.count(), 1, 30000);
+        QCOMPARE(first.count(), 1);
+    }
+
+    void newViewIsNotDrawing()
+    {
+        const ViewForm view(0);
+        QVERIFY(!view.isDrawing());
+    }
+
+    void moveWithoutALeftPressShowsNothing()
+    {
+        ViewForm view(0);
+        view.resize(200, 150);
+        const QImage before = view.grab().toImage();
+        QMouseEvent move(QEvent::MouseMove, QPointF(60, 50), Qt::NoButton, Qt::RightButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&view, &move);
+        QCOMPARE(view.grab().toImage(), before);
+    }
+
+    void aViewWithoutARecordAsksForNoTurn()
+    {
+        WatchedWindow window;
+        ViewForm unknown(ViewNum, &window);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QTest::qWait(50);                                    // the paints that come with showing
+        GlobalFunction::getInstance()->removeView(ViewNum);  // whom its first size made known
+        const EventCounter first(&unknown, QEvent::Paint);
+        const EventCounter last(window.m_apcViews[3], QEvent::Paint);
+
+        unknown.timeout();
+        PaintTurns::ask(window.m_apcViews[3]);
+
+        QTRY_COMPARE_WITH_TIMEOUT(last.count(), 1, 30000);
+        QCOMPARE(first.count(), 0);
+    }
+
+    void optionsOfAViewWithAnEmptyCanvasWait()
+    {
+        const Store store = makeStore();
+        WatchedWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QTest::qWait(50);  // the paints that come with showing
+        *window.m_apcViews[0]->requestCanvas() = QImage();
+        window.m_apcViews[0]->releaseCanvas();
+        queuePoints(store.get(), 0);
+        const EventCounter first(window.m_apcViews[0], QEvent::Paint);
+        const EventCounter last(window.m_apcViews[3], QEvent::Paint);
+
+        window.m_apcViews[0]->timeout();
+        PaintTurns::ask(window.m_apcViews[3]);
+
+        QTRY_COMPARE_WITH_TIMEOUT(last.count(), 1, 30000);
+        PaintTurns::ask(window.m_apcViews[3]);
+        QTRY_COMPARE_WITH_TIMEOUT(last.count(), 2, 30000);
+        QCOMPARE(first.count(), 1);
+        QCOMPARE(waiting(0), OptionNum);
+        GlobalFunction::getInstance()->dropOptionsOf(store.get());
+    }
+
+    void nothingRunsOnceAllIsPainted()
+    {
+        WatchedWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        PaintTurns::ask(window.m_apcViews[0]);
+
+        QVERIFY(QTest::qWaitFor(
+            [] {
+                const EventCounter turns(qApp, QEvent::Timer);
+                QTest::qWait(20);
+                return turns.count() == 0;
+            },
+            30000));
     }
 
     void pressAndMoveRepaintByThemselves()

@@ -6,6 +6,8 @@
 #include <QVBoxLayout>
 #include <QtTest>
 
+#include <memory>
+
 /// Windows on a screen that has no window manager; the platform of the tests has none.
 class TestBareScreen : public QObject
 {
@@ -15,6 +17,7 @@ private slots:
     void cleanup();
     void frameBufferShowsTextsAtTheirUsualSize_data();
     void frameBufferShowsTextsAtTheirUsualSize();
+    void platformArgumentWithoutAValueIsLeftOut();
     void windowLargerThanTheScreenFillsIt_data();
     void windowLargerThanTheScreenFillsIt();
     void windowThatFitsKeepsItsSize();
@@ -22,6 +25,10 @@ private slots:
     void keyboardGoesBackToTheMainWindowWhenADialogCloses();
     void keyboardGoesBackToTheDialogWhenABoxOverItCloses();
     void windowThatIsOnlyLeftKeepsOutOfTheWay();
+    void onlyTheMainWindowAsksForTheKeyboardAndOnlyWhenTheProgramShowsIt();
+    void windowThatIsHiddenDoesNotGetTheKeyboard();
+    void mainWindowMayGoFirst();
+    void windowsAndTheirChildrenGetTheirEvents();
 };
 
 namespace {
@@ -40,6 +47,21 @@ public:
         setModal(true);
         show();
     }
+};
+
+/// Counts what it is told of.
+class Told : public QWidget
+{
+public:
+    using QWidget::QWidget;
+    bool event(QEvent* event) override
+    {
+        m_nShown += event->type() == QEvent::Show;
+        m_nLeft += event->type() == QEvent::WindowDeactivate;
+        return QWidget::event(event);
+    }
+    int m_nShown = 0;
+    int m_nLeft = 0;
 };
 
 }  // namespace
@@ -78,6 +100,16 @@ void TestBareScreen::frameBufferShowsTextsAtTheirUsualSize()
     BareScreen::prepare(argument.isEmpty() ? 1 : 3, arguments);
 
     QCOMPARE(qgetenv("QT_FONT_DPI"), dpi);
+}
+
+void TestBareScreen::platformArgumentWithoutAValueIsLeftOut()
+{
+    qputenv("QT_QPA_PLATFORM", "linuxfb");
+    const char* const arguments[] = {"lumivant", "-platform", nullptr};
+
+    BareScreen::prepare(2, arguments);
+
+    QCOMPARE(qgetenv("QT_FONT_DPI"), QByteArray("96"));
 }
 
 void TestBareScreen::windowLargerThanTheScreenFillsIt_data()
@@ -153,6 +185,71 @@ void TestBareScreen::windowThatIsOnlyLeftKeepsOutOfTheWay()
     QApplication::setActiveWindow(nullptr);
     QTest::qWait(50);
     QCOMPARE(QApplication::activeWindow(), nullptr);
+}
+
+void TestBareScreen::onlyTheMainWindowAsksForTheKeyboardAndOnlyWhenTheProgramShowsIt()
+{
+    QWidget window;
+    QWidget other;
+    const BareScreen screen(&window);
+    window.show();
+    other.show();
+    QTRY_COMPARE(QApplication::activeWindow(), &other);
+    QApplication::setActiveWindow(nullptr);
+    // This platform activates each window that is shown; so the events come without one.
+    QShowEvent shown;
+    QCoreApplication::sendEvent(&other, &shown);
+    QShowEvent shownBySystem;
+    QSpontaneKeyEvent::setSpontaneous(&shownBySystem);
+    QApplication::instance()->notify(&window, &shownBySystem);
+    QTest::qWait(50);
+    QCOMPARE(QApplication::activeWindow(), nullptr);
+
+    QCoreApplication::sendEvent(&window, &shown);
+    QTRY_COMPARE(QApplication::activeWindow(), &window);
+}
+
+void TestBareScreen::windowThatIsHiddenDoesNotGetTheKeyboard()
+{
+    QWidget window;
+    const BareScreen screen(&window);
+    window.show();
+    QDialog dialog;
+    dialog.show();
+    QTRY_COMPARE(QApplication::activeWindow(), &dialog);
+    window.hide();
+    dialog.hide();
+    QApplication::setActiveWindow(nullptr);
+    QTest::qWait(50);
+    QCOMPARE(QApplication::activeWindow(), nullptr);
+}
+
+void TestBareScreen::mainWindowMayGoFirst()
+{
+    auto window = std::make_unique<QWidget>();
+    const BareScreen screen(window.get());
+    window.reset();
+    QWidget other;
+    other.show();
+    QTRY_COMPARE(QApplication::activeWindow(), &other);
+    other.hide();
+    QApplication::setActiveWindow(nullptr);
+    QTest::qWait(50);
+    QCOMPARE(QApplication::activeWindow(), nullptr);
+}
+
+void TestBareScreen::windowsAndTheirChildrenGetTheirEvents()
+{
+    Told window;
+    Told child(&window);
+    const BareScreen screen(&window);
+    window.show();
+    QTRY_COMPARE(QApplication::activeWindow(), &window);
+    QCOMPARE(window.m_nShown, 1);
+    QCOMPARE(child.m_nShown, 1);
+    QApplication::setActiveWindow(nullptr);
+    QCOMPARE(window.m_nLeft, 1);
+    QCOMPARE(child.m_nLeft, 1);
 }
 
 QTEST_MAIN(TestBareScreen)
