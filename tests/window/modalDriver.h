@@ -45,6 +45,8 @@ public:
         QString m_strFolder;
         QStringList m_lstFilters;
         QFileDialog::AcceptMode m_nMode;
+        QFileDialog::FileMode m_nFileMode;
+        bool m_bQtsOwn;  ///< Rather than that of the desktop.
     };
 
     ModalDriver()
@@ -75,7 +77,8 @@ public:
             if (dialog == nullptr)
                 return false;
             m_lstFiles.append({dialog->windowTitle(), dialog->directory().absolutePath(), dialog->nameFilters(),
-                               dialog->acceptMode()});
+                               dialog->acceptMode(), dialog->fileMode(),
+                               dialog->testOption(QFileDialog::DontUseNativeDialog)});
             dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(name);
             const auto button =
                 dialog->acceptMode() == QFileDialog::AcceptSave ? QDialogButtonBox::Save : QDialogButtonBox::Open;

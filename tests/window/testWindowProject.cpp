@@ -110,6 +110,8 @@ void TestWindowProject::openDialogLooksForProjectsInTheCurrentFolder()
     QCOMPARE(driver.m_lstFiles.at(0).m_lstFilters, QStringList{QStringLiteral("项目文件(*.lmv)")});
     QCOMPARE(driver.m_lstFiles.at(0).m_strFolder, QDir::currentPath());
     QCOMPARE(driver.m_lstFiles.at(0).m_nMode, QFileDialog::AcceptOpen);
+    QCOMPARE(driver.m_lstFiles.at(0).m_nFileMode, QFileDialog::ExistingFile);
+    QVERIFY(driver.m_lstFiles.at(0).m_bQtsOwn);
 }
 
 void TestWindowProject::cancelledOpenChangesNothing()
@@ -257,6 +259,8 @@ void TestWindowProject::saveWithoutAPathAsksForAName()
     QCOMPARE(driver.m_lstFiles.at(0).m_lstFilters, QStringList{QStringLiteral("项目文件(*.lmv)")});
     QCOMPARE(driver.m_lstFiles.at(0).m_strFolder, QDir::currentPath());
     QCOMPARE(driver.m_lstFiles.at(0).m_nMode, QFileDialog::AcceptSave);
+    QCOMPARE(driver.m_lstFiles.at(0).m_nFileMode, QFileDialog::AnyFile);
+    QVERIFY(driver.m_lstFiles.at(0).m_bQtsOwn);
     QCOMPARE(readFile(at("p.lmv")), QByteArray("<=TaskInfo=>\n<-TaskName->a</-TaskName->\n<-Kernel->-1</-Kernel->\n"
                                                "<-View->0</-View->\n</=TaskInfo=>\n"));
     QCOMPARE(fixture.m_pcWindow->windowTitle(), QStringLiteral("Lumivant - ") + at("p.lmv"));
