@@ -1,5 +1,5 @@
-// What a pass asks malloc for once everything has found its size. On a small board that is time, and holes in the
-// memory.
+// What a pass asks malloc for once everything has found its size, and how often it looks at the clock. On a small board
+// the one is time, and holes in the memory, and the other more time than the rest of a short step.
 #include "../soak/soakMemory.h"
 #include "pluginFolders.h"
 #include "taskMgr/taskInfo.h"
@@ -7,6 +7,23 @@
 #include <QtTest>
 
 #include <memory>
+
+#include <sys/syscall.h>
+#include <time.h>
+#include <unistd.h>
+
+namespace {
+
+thread_local int s_nClockReads = 0;
+
+}  // namespace
+
+// In front of the C library's: every library asks the time here.
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
+{
+    ++s_nClockReads;
+    return static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
+}
 
 namespace {
 
@@ -43,6 +60,18 @@ void makePass(TaskInfo& task)
         qFatal("a pass failed: %s", qPrintable(message));
 }
 
+/// How often the calling thread reads the clock in some passes over all steps.
+int clockReads(TaskInfo& task, bool showsTimes, int timeoutMs)
+{
+    const int before = s_nClockReads;
+    QString message;
+    for (int i = 0; i < CountedPasses; ++i) {
+        if (!task.runOnce(message, showsTimes, -1, timeoutMs))
+            qFatal("a pass failed: %s", qPrintable(message));
+    }
+    return s_nClockReads - before;
+}
+
 void makePasses(TaskInfo& first, TaskInfo& second, int count)
 {
     for (int i = 0; i < count; ++i) {
@@ -61,6 +90,8 @@ private Q_SLOTS:
     void initTestCase();
     void steadyPassAsksForNoMemoryItNeedNotHave_data();
     void steadyPassAsksForNoMemoryItNeedNotHave();
+    void clockIsReadOnlyWhereTimesAreShownOrLimited_data();
+    void clockIsReadOnlyWhereTimesAreShownOrLimited();
 };
 
 void testSteadyPass::initTestCase()
@@ -116,6 +147,28 @@ void testSteadyPass::steadyPassAsksForNoMemoryItNeedNotHave()
     QCOMPARE(after.m_nLarge - before.m_nLarge, std::int64_t{0});
     QVERIFY2(after.m_nAll - before.m_nAll <= std::int64_t{allowed} * CountedPasses,
              qPrintable(QString::number(after.m_nAll - before.m_nAll)));
+}
+
+void testSteadyPass::clockIsReadOnlyWhereTimesAreShownOrLimited_data()
+{
+    QTest::addColumn<QString>("text");
+    const QString colour = source("Bench Still", "RGB", "64x48");
+    const QString silent = step("BENCH_Noop", "<Value>1</Value>");
+
+    QTest::newRow("steps that say nothing") << colour + silent + silent;
+    QTest::newRow("picture onto a view") << colour + step("KW_Drawing", "<DataType>0</DataType><DataID>1</DataID>");
+}
+
+void testSteadyPass::clockIsReadOnlyWhereTimesAreShownOrLimited()
+{
+    QFETCH(QString, text);
+    const auto task = makeTask(text);
+    clockReads(*task, false, -1);
+
+    QCOMPARE(clockReads(*task, false, -1), 0);
+    const int steps = task->getTaskItem().size();
+    QVERIFY(clockReads(*task, true, -1) >= 2 * steps * CountedPasses);
+    QVERIFY(clockReads(*task, false, 100000) >= (1 + steps) * CountedPasses);
 }
 
 QTEST_GUILESS_MAIN(testSteadyPass)
