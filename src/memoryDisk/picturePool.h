@@ -2,10 +2,10 @@
 
 #include "threadGuards.h"
 
-#include <QList>
 #include <QMutex>
 #include <QSemaphore>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
@@ -119,33 +119,43 @@ public:
     int processingNum() const { return m_nProcessing.load(std::memory_order_relaxed); }
 
 private:
-    /// A queue of slots with a lock of its own; its size can be read without the lock.
+    /**
+     * A queue of slots with a lock of its own; its size can be read without the lock. It has room for all slots from
+     * the start and asks for more only when somebody gives back what is not his to give.
+     */
     class SlotList
     {
     public:
+        SlotList() { m_vecSlots.reserve(SlotNum); }
         Slot* takeFirst()
         {
             const ThreadGuards::MutexGuard guard(m_cMutex);
-            Slot* slot = m_lstSlots.takeFirst();
-            m_nSize.store(m_lstSlots.size(), std::memory_order_relaxed);
+            Slot* slot = m_vecSlots.front();
+            m_vecSlots.erase(m_vecSlots.begin());  // the few behind it move up
+            noteSize();
             return slot;
         }
         void putLast(Slot* slot)
         {
             const ThreadGuards::MutexGuard guard(m_cMutex);
-            m_lstSlots.append(slot);
-            m_nSize.store(m_lstSlots.size(), std::memory_order_relaxed);
+            m_vecSlots.push_back(slot);
+            noteSize();
         }
         bool contains(Slot* slot)
         {
             const ThreadGuards::MutexGuard guard(m_cMutex);
-            return m_lstSlots.contains(slot);
+            return std::find(m_vecSlots.begin(), m_vecSlots.end(), slot) != m_vecSlots.end();
         }
         int size() const { return m_nSize.load(std::memory_order_relaxed); }
 
     private:
+        void noteSize() REQUIRES(m_cMutex)
+        {
+            m_nSize.store(static_cast<int>(m_vecSlots.size()), std::memory_order_relaxed);
+        }
+
         QMutex m_cMutex;  ///< Taken alone.
-        QList<Slot*> m_lstSlots GUARDED_BY(m_cMutex);
+        std::vector<Slot*> m_vecSlots GUARDED_BY(m_cMutex);
         std::atomic<int> m_nSize{0};
     };
 

@@ -13,7 +13,11 @@ struct ColourKind
     using Slot = MemoryDisk::DIB;
     static bool add(MemoryDisk* disk, QByteArray pixels, int width, int height)
     {
-        return disk->addDIB(reinterpret_cast<unsigned char*>(pixels.data()), width, height);
+        return add(disk, reinterpret_cast<unsigned char*>(pixels.data()), width, height);
+    }
+    static bool add(MemoryDisk* disk, unsigned char* pixels, int width, int height)
+    {
+        return disk->addDIB(pixels, width, height);
     }
     static Slot* request(MemoryDisk* disk) { return disk->requestDIB(); }
     static void release(MemoryDisk* disk, Slot* slot) { disk->releaseDIB(slot); }
@@ -28,7 +32,11 @@ struct GreyKind
     using Slot = MemoryDisk::Gray8;
     static bool add(MemoryDisk* disk, QByteArray pixels, int width, int height)
     {
-        return disk->addGray8(reinterpret_cast<unsigned char*>(pixels.data()), width, height);
+        return add(disk, reinterpret_cast<unsigned char*>(pixels.data()), width, height);
+    }
+    static bool add(MemoryDisk* disk, unsigned char* pixels, int width, int height)
+    {
+        return disk->addGray8(pixels, width, height);
     }
     static Slot* request(MemoryDisk* disk) { return disk->requestGray8(); }
     static void release(MemoryDisk* disk, Slot* slot) { disk->releaseGray8(slot); }

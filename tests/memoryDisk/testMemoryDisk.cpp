@@ -1,3 +1,4 @@
+#include "../soak/soakMemory.h"
 #include "diskPictures.h"
 #include "memoryLimit.h"
 
@@ -96,6 +97,77 @@ class TestMemoryDisk : public QObject
         auto* again = Kind::request(disk);
         QCOMPARE(again, first);
         Kind::release(disk, again);
+    }
+
+    /// Hands so many pictures over, as many at a time as wait in the disk.
+    template <typename Kind>
+    static void handOver(MemoryDisk& disk, unsigned char* picture, int waiting)
+    {
+        for (int number = 0; number < waiting; ++number)
+            Kind::add(&disk, picture, 640, 480);
+        for (int number = 0; number < waiting; ++number)
+            Kind::release(&disk, Kind::request(&disk));
+    }
+
+    /// However small: what each picture asks malloc for also makes holes in the memory.
+    template <typename Kind>
+    static void nothingAllocated()
+    {
+        QByteArray bytes = numberedBytes(640 * 480 * 3, 0);
+        auto* const picture = reinterpret_cast<unsigned char*>(bytes.data());
+        MemoryDisk disk;
+        handOver<Kind>(disk, picture, 1);
+        handOver<Kind>(disk, picture, 5);
+
+        const SoakMemory::Requests before = SoakMemory::requestsOfThisThread();
+        for (int round = 0; round < 60; ++round)
+            handOver<Kind>(disk, picture, 1 + round % 6);
+        const SoakMemory::Requests after = SoakMemory::requestsOfThisThread();
+
+        QCOMPARE(after.m_nAll - before.m_nAll, std::int64_t{0});
+    }
+
+    template <typename Kind>
+    static void givenBackTwice()
+    {
+        MemoryDisk disk;
+        addNumbered<Kind>(&disk, 0);
+        auto* twice = Kind::request(&disk);
+        Kind::release(&disk, twice);
+        Kind::release(&disk, twice);
+        QCOMPARE(Kind::idle(&disk), 7);
+        QCOMPARE(Kind::processing(&disk), -1);
+        for (int number = 0; number < 7; ++number)
+            addNumbered<Kind>(&disk, number);
+        QVector<typename Kind::Slot*> taken;
+        while (Kind::prepared(&disk) > 0)
+            taken.append(Kind::request(&disk));
+        QCOMPARE(taken.size(), 7);
+        QCOMPARE(taken.count(twice), 2);
+        QCOMPARE(taken.mid(5), (QVector<typename Kind::Slot*>{twice, twice}));
+        for (auto* slot : qAsConst(taken))
+            Kind::release(&disk, slot);
+    }
+
+    template <typename Kind>
+    static void givenBackToAnother()
+    {
+        MemoryDisk disk;
+        MemoryDisk another;
+        addNumbered<Kind>(&disk, 0);
+        auto* stray = Kind::request(&disk);
+        Kind::release(&another, stray);
+        QCOMPARE(Kind::processing(&disk), 1);
+        QCOMPARE(Kind::processing(&another), -1);
+        QCOMPARE(Kind::idle(&another), 7);
+        for (int number = 20; number < 27; ++number)
+            addNumbered<Kind>(&another, number);
+        for (int number = 20; number < 27; ++number) {
+            auto* slot = Kind::request(&another);
+            QCOMPARE(int{Kind::pixels(slot)[0]}, number);
+            QCOMPARE(slot == stray, number == 26);
+            Kind::release(&another, slot);
+        }
     }
 
     template <typename Kind>
@@ -347,6 +419,26 @@ private slots:
     {
         sameBuffers<ColourKind>(MemoryDisk::getInstance(3));
         sameBuffers<GreyKind>(MemoryDisk::getInstance(3));
+    }
+
+    void handingOverAsksForNoMemoryAtAllAfterTheFirstSix()
+    {
+        if (!SoakMemory::isResidentTelling())
+            QSKIP("A sanitizer has a malloc of its own.");
+        nothingAllocated<ColourKind>();
+        nothingAllocated<GreyKind>();
+    }
+
+    void slotThatIsGivenBackTwiceGoesRoundTwice()
+    {
+        givenBackTwice<ColourKind>();
+        givenBackTwice<GreyKind>();
+    }
+
+    void slotThatIsGivenBackToAnotherDiskGoesRoundThere()
+    {
+        givenBackToAnother<ColourKind>();
+        givenBackToAnother<GreyKind>();
     }
 
     void smallerPictureKeepsTheLargeBuffer()
