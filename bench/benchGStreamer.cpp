@@ -106,7 +106,7 @@ void appSourceToAppSink(benchmark::State& state)
     if (!source || !sink)
         return state.SkipWithError("an element is missing");
     g_object_set(sink, "sync", FALSE, nullptr);
-    g_object_set(source, "max-bytes", guint64{0}, nullptr);
+    g_object_set(source, "max-bytes", guint64{6} * bytes, "block", TRUE, nullptr);
     gst_element_link(source, sink);
     gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
     GstBufferPool* pool = state.range(2) ? poolOf(bytes) : nullptr;

@@ -1,5 +1,6 @@
 // How long does it take until the window shows? Ends as soon as it was painted: "bare" shows an empty window of Qt,
 // "workbench" the workbench, with the plug-ins beside the program.
+#include "bareScreen.h"
 #include "mainwindow.h"
 #include "startUp.h"
 
@@ -44,5 +45,7 @@ int main(int argc, char* argv[])
     QApplication application(argc, argv);
     StartUp::dress();
     MainWindow window;
+    const BareScreen screen(&window);
+    BareScreen::fit(&window);
     return showUntilPainted(window);
 }

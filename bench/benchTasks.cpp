@@ -1,5 +1,8 @@
 // How many passes a second do 1 to 64 running tasks make together, what does each add to the memory, and what do views
 // that nobody sees cost the window's thread?
+//
+// Passes are counted with pictures that all fit into a processor's cache together, so that only the tasks themselves
+// can slow each other down, and with large ones, beside as many bare threads that copy the same bytes.
 #include "mainwindow.h"
 #include "memoryArenas.h"
 #include "paramStore/pictureLayout.h"
@@ -9,23 +12,27 @@
 #include <QApplication>
 #include <QEventLoop>
 #include <QFile>
+#include <QSize>
 #include <QThread>
 #include <QTimer>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
-#include <map>
 #include <memory>
+#include <random>
+#include <thread>
 #include <vector>
 
 #include <unistd.h>
 
 namespace {
 
-constexpr int Width = 1280;
-constexpr int Height = 960;
-constexpr int MeasuredMs = 300;
+constexpr QSize Small(64, 48);
+constexpr QSize Large(1280, 960);
+constexpr int MeasuredMs = 200;
 constexpr int Rounds = 7;
 constexpr int MostTasks = 64;
 
@@ -43,7 +50,7 @@ double residentBytes()
     return statm.readAll().split(' ').value(1).toDouble() * static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
-std::unique_ptr<TaskInfo> newTask(int view, bool draws)
+std::unique_ptr<TaskInfo> newTask(int view, const QSize& size, bool draws)
 {
     auto task = std::make_unique<TaskInfo>(QStringLiteral("bench"), nullptr);
     QString text = QStringLiteral(
@@ -51,8 +58,8 @@ std::unique_ptr<TaskInfo> newTask(int view, bool draws)
                        "<OutputDescribe></OutputDescribe><OutputType>RGB</OutputType><OutputID>1</OutputID>"
                        "<Config>%2x%3</Config></-DataSource->")
                        .arg(view)
-                       .arg(Width)
-                       .arg(Height);
+                       .arg(size.width())
+                       .arg(size.height());
     if (draws)
         text += QLatin1String(
             "<-TaskItem-><-MaxExeTimes->-1</-MaxExeTimes-><-ArithmID->KW_Drawing</-ArithmID->"
@@ -69,10 +76,10 @@ std::unique_ptr<TaskInfo> newTask(int view, bool draws)
 class Tasks
 {
 public:
-    Tasks(int count, bool draw)
+    Tasks(int count, const QSize& size, bool draw)
     {
         for (int i = 0; i < count; ++i) {
-            m_vecTasks.push_back(newTask(i % ViewForm::ViewNum, draw));
+            m_vecTasks.push_back(newTask(i % ViewForm::ViewNum, size, draw));
             m_vecTasks.back()->startTask();
         }
         while (
@@ -107,29 +114,80 @@ void wait(int ms)
     loop.exec();
 }
 
-struct Result
+/// Counted by a function for a while, a second.
+template <typename Count>
+double rateOf(const Count& count)
 {
-    double passesASecond = 0;
-    double residentBytes = 0;
-};
-
-Result measure(int count)
-{
-    const Tasks tasks(count, false);
     const double begun = nowMs(CLOCK_MONOTONIC);
-    const long long before = tasks.passes();
+    const long long before = count();
     QThread::msleep(MeasuredMs);
-    const auto passes = static_cast<double>(tasks.passes() - before);
-    return {passes * 1e3 / (nowMs(CLOCK_MONOTONIC) - begun), residentBytes()};
+    return static_cast<double>(count() - before) * 1e3 / (nowMs(CLOCK_MONOTONIC) - begun);
+}
+
+double passesASecond(int count, const QSize& size)
+{
+    const Tasks tasks(count, size, false);
+    return rateOf([&tasks] { return tasks.passes(); });
+}
+
+/// As many threads that do nothing but copy a picture to a place of their own.
+double copiesASecond(int count, const QSize& size)
+{
+    const auto bytes = static_cast<std::size_t>(PictureLayout::colourBytes(size.width(), size.height()));
+    std::atomic<long long> copies{0};
+    std::atomic<bool> stop{false};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < count; ++i) {
+        threads.emplace_back([bytes, &copies, &stop] {
+            const std::vector<unsigned char> source(bytes, 7);
+            std::vector<unsigned char> target(bytes);
+            for (; !stop; ++copies)
+                std::memcpy(target.data(), source.data(), bytes);
+        });
+    }
+    while (copies < 2 * count)
+        QThread::msleep(1);
+    const double rate = rateOf([&copies] { return copies.load(); });
+    stop = true;
+    for (std::thread& thread : threads)
+        thread.join();
+    return rate;
+}
+
+/// With more tasks each time: what fewer ones leave to the allocator, more take.
+void printMemory()
+{
+    for (int count = 1; count <= MostTasks; count *= 2) {
+        const Tasks tasks(count, Large, false);
+        std::printf("resident_%d %.0f\n", count, residentBytes());
+    }
+    std::printf("picture %lld\n", static_cast<long long>(PictureLayout::colourBytes(Large.width(), Large.height())));
+}
+
+/// Each value as a line of its own, round by round in random order: what else the machine does meets them alike.
+void printPasses()
+{
+    std::vector<int> counts;
+    for (int count = 1; count <= MostTasks; count *= 2)
+        counts.push_back(count);
+    std::mt19937 random(1);
+    for (int round = 0; round < Rounds; ++round) {
+        std::shuffle(counts.begin(), counts.end(), random);
+        for (const int count : counts) {
+            std::printf("passes_%d %.1f\n", count, passesASecond(count, Small));
+            std::printf("large_%d %.1f\n", count, passesASecond(count, Large));
+            std::printf("copies_%d %.1f\n", count, copiesASecond(count, Large));
+        }
+    }
 }
 
 /// Milliseconds a second that the window's thread works while four tasks draw onto views that are not shown.
 double workForHiddenViews()
 {
-    const Tasks tasks(ViewForm::ViewNum, true);
+    const Tasks tasks(ViewForm::ViewNum, Large, true);
     const double begun = nowMs(CLOCK_MONOTONIC);
     const double worked = nowMs(CLOCK_THREAD_CPUTIME_ID);
-    wait(4 * MeasuredMs);
+    wait(6 * MeasuredMs);
     return (nowMs(CLOCK_THREAD_CPUTIME_ID) - worked) * 1e3 / (nowMs(CLOCK_MONOTONIC) - begun);
 }
 
@@ -142,20 +200,8 @@ int main(int argc, char* argv[])
     MainWindow window;
     window.show();
     QCoreApplication::processEvents();
-    // Round by round over all counts: what else the machine does in between meets them alike.
-    std::map<int, Result> results;
-    for (int round = 0; round < Rounds; ++round) {
-        for (int count = 1; count <= MostTasks; count *= 2) {
-            const Result result = measure(count);
-            Result& best = results[count];
-            best.passesASecond = std::max(best.passesASecond, result.passesASecond);
-            if (round == 0)  // Later rounds find the memory of more tasks.
-                best.residentBytes = result.residentBytes;
-        }
-    }
-    for (const auto& [count, result] : results)
-        std::printf("passes_%d %.1f\nresident_%d %.0f\n", count, result.passesASecond, count, result.residentBytes);
-    std::printf("picture %lld\n", static_cast<long long>(PictureLayout::colourBytes(Width, Height)));
+    printMemory();
+    printPasses();
     window.hide();
     std::printf("hidden_ms %.2f\n", workForHiddenViews());
     return 0;

@@ -56,7 +56,10 @@ void setConfig(int instance, char* config)
 
 void start(int) {}
 void stop(int) {}
-void removeInstance(int) {}
+void removeInstance(int instance)
+{
+    std::vector<unsigned char>().swap(stillOf(instance).m_vecPixels);
+}
 
 char* getLastError(int)
 {

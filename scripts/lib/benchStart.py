@@ -2,8 +2,8 @@
 """Times the start of the workbench: benchStart.py PROGRAM PLUGIN_FOLDER SCRATCH_FOLDER
 
 PROGRAM ends once its window was painted; it is started again and again, in random order, as a bare window, as the
-workbench without plug-ins, and as the workbench with those of PLUGIN_FOLDER. Prints "name value" lines: medians of
-milliseconds and of the most resident bytes.
+workbench without plug-ins, with all plug-ins of PLUGIN_FOLDER, and with each of them alone. Prints "name value" lines:
+medians of milliseconds and of the most resident bytes, and how far the milliseconds lie apart.
 """
 import os
 import random
@@ -27,24 +27,25 @@ def start(command):
     return (time.perf_counter() - begun) * 1e3, usage.ru_maxrss * 1024
 
 
-def placed(program, folder, plugins):
-    """The program in a folder of its own, with the plug-ins of another beside it."""
+def placed(program, folder, plugins=()):
+    """The program in a folder of its own, with plug-ins beside it."""
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
     shutil.copy2(program, folder)
-    count = 0
-    for name in PLUGIN_FOLDERS if plugins else ():
-        if (plugins / name).is_dir():
-            shutil.copytree(plugins / name, folder / name)
-            count += sum(1 for _ in (folder / name).glob("*.so*"))
-    return str(folder / program.name), count
+    for plugin in plugins:
+        (folder / plugin.parent.name).mkdir(exist_ok=True)
+        shutil.copy2(plugin, folder / plugin.parent.name)
+    return str(folder / program.name)
 
 
 def main():
-    program, plugins, scratch = (Path(argument).resolve() for argument in sys.argv[1:4])
-    alone, _ = placed(program, scratch / "alone", None)
-    full, count = placed(program, scratch / "full", plugins)
-    commands = {"bare": [alone, "bare"], "workbench": [alone, "workbench"], "plugins": [full, "workbench"]}
+    program, folder, scratch = (Path(argument).resolve() for argument in sys.argv[1:4])
+    plugins = [plugin for name in PLUGIN_FOLDERS for plugin in sorted((folder / name).glob("*.so"))]
+    alone = placed(program, scratch / "alone")
+    commands = {"bare": [alone, "bare"], "workbench": [alone, "workbench"],
+                "pack": [placed(program, scratch / "pack", plugins), "workbench"]}
+    for plugin in plugins:
+        commands[f"plugin_{plugin.stem}"] = [placed(program, scratch / plugin.stem, [plugin]), "workbench"]
     for command in commands.values():
         start(command)  # files come from the cache from now on
     order = [name for name in commands for _ in range(ROUNDS)]
@@ -53,9 +54,10 @@ def main():
     for name in order:
         results[name].append(start(commands[name]))
     for name, values in results.items():
-        print(f"{name}_ms {statistics.median(value[0] for value in values):.2f}")
+        times = [value[0] for value in values]
+        print(f"{name}_ms {statistics.median(times):.2f}")
+        print(f"{name}_cv {statistics.stdev(times) / statistics.mean(times):.3f}")
         print(f"{name}_bytes {statistics.median(value[1] for value in values):.0f}")
-    print(f"plugin_count {count}")
 
 
 if __name__ == "__main__":

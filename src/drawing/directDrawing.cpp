@@ -9,6 +9,7 @@
 #include <QImage>
 
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -97,13 +98,16 @@ class OverlayColours
 {
 public:
     OverlayColours(const GreyOverlay& overlay, std::size_t count)
-        : m_cOverlay(overlay), m_nCount(count), m_vecRgb(3 * count + sizeof(Pixel))
+        : m_cOverlay(overlay), m_nCount(count), m_vecRgb(3 * count + 2)
     {
         int value = 0;
         for (Pixel& colour : m_aColours)
             colour = pixelOf(overlay.colourOf(value++));
-        if (overlay.m_eColours == GreyOverlay::Colours::OneColour)
-            fill([colour = pixelOf(overlay.m_nColour)](std::size_t) { return colour; });
+        if (overlay.m_eColours == GreyOverlay::Colours::OneColour) {
+            const std::vector<unsigned char> anyGrey(count);
+            m_aColours.fill(pixelOf(overlay.m_nColour));
+            fill(anyGrey.data());
+        }
     }
 
     /// Valid until the next call; colours of values that are not shown are of no account.
@@ -112,28 +116,31 @@ public:
         if (m_cOverlay.m_eColours == GreyOverlay::Colours::Greys)
             Pixels::rgbOfGrey(grey, m_vecRgb.data(), m_nCount);
         else if (m_cOverlay.m_eColours == GreyOverlay::Colours::Blocks)
-            fill([this, grey](std::size_t index) { return m_aColours[grey[index]]; });
+            fill(grey);
         return m_vecRgb.data();
     }
 
 private:
-    /// Red, green, blue and a byte that the next pixel overwrites: one store instead of three.
-    using Pixel = std::array<unsigned char, 4>;
+    /// Red, green and blue from the lowest byte on, as they stand in memory.
+    using Pixel = std::uint32_t;
 
     static Pixel pixelOf(QRgb colour)
     {
-        return {static_cast<unsigned char>(qRed(colour)), static_cast<unsigned char>(qGreen(colour)),
-                static_cast<unsigned char>(qBlue(colour))};
+        return static_cast<Pixel>(qRed(colour) | qGreen(colour) << 8 | qBlue(colour) << 16);
     }
 
-    template <typename PixelAt>
-    void fill(PixelAt pixelAt)
+    /// Two pixels with one store, whose last two bytes the next one overwrites.
+    void fill(const unsigned char* grey)
     {
+        static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN);
+        const Pixel* const colours = m_aColours.data();
         unsigned char* target = m_vecRgb.data();
-        for (std::size_t i = 0; i < m_nCount; ++i, target += 3) {
-            const Pixel pixel = pixelAt(i);
-            std::memcpy(target, pixel.data(), sizeof pixel);
+        for (const unsigned char* const end = grey + m_nCount / 2 * 2; grey < end; grey += 2, target += 6) {
+            const std::uint64_t pair = colours[grey[0]] | static_cast<std::uint64_t>(colours[grey[1]]) << 24;
+            std::memcpy(target, &pair, sizeof pair);
         }
+        if (m_nCount % 2 > 0)
+            std::memcpy(target, &colours[*grey], 3);
     }
 
     const GreyOverlay& m_cOverlay;

@@ -6,6 +6,7 @@
 #include <QPainterPath>
 #include <QStyleOption>
 
+#include <algorithm>
 #include <initializer_list>
 
 namespace {
@@ -32,6 +33,8 @@ public:
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override
     {
+        if (size.isEmpty())
+            return {};
         QPixmap picture(size);
         picture.fill(Qt::transparent);
         drawInto(picture);
@@ -171,12 +174,19 @@ void drawMemoryDisks(QPainter& painter)
     painter.fillRect(QRectF(9, 9, 6, 6), Qt::white);
 }
 
-/// Two arrow heads, in the colour of texts.
+/// Two arrow heads to the right, in the colour of texts.
 void drawMore(QPainter& painter)
 {
     use(painter, pen(QGuiApplication::palette().buttonText().color().rgb(), 2.5), Qt::NoBrush);
     for (const qreal at : {5.0, 12.0})
         drawLine(painter, {{at, 5}, {at + 7, 12}, {at, 19}});
+}
+
+void drawMoreToTheLeft(QPainter& painter)
+{
+    painter.translate(Side, 0);
+    painter.scale(-1, 1);
+    drawMore(painter);
 }
 
 }  // namespace
@@ -223,7 +233,9 @@ QIcon DrawnIcons::memoryDisks()
 
 QIcon DrawnIcons::Style::standardIcon(StandardPixmap which, const QStyleOption* option, const QWidget* widget) const
 {
-    if (which == SP_ToolBarHorizontalExtensionButton)
-        return drawn(drawMore);
+    if (which == SP_ToolBarHorizontalExtensionButton) {
+        const Qt::LayoutDirection direction = option ? option->direction : QGuiApplication::layoutDirection();
+        return drawn(direction == Qt::RightToLeft ? drawMoreToTheLeft : drawMore);
+    }
     return QProxyStyle::standardIcon(which, option, widget);
 }

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QPainter>
 #include <QStyleFactory>
+#include <QStyleOption>
 #include <QToolBar>
 #include <QToolButton>
 
@@ -27,6 +28,8 @@ private Q_SLOTS:
     void iconIsPaintedWithAllPixelsOfADenseScreen();
     void copyOfAnIconDrawsTheSame();
     void barThatIsTooNarrowShowsADrawnDoubleArrow();
+    void doubleArrowPointsToWhereTheTextsGo();
+    void noSizeGivesNoPicture();
     void allOtherPicturesOfTheStyleAreAsBefore();
 };
 
@@ -206,6 +209,24 @@ void TestDrawnIcons::barThatIsTooNarrowShowsADrawnDoubleArrow()
     QCOMPARE(arrow.pixelColor(18, 5).alpha(), 0);
     QVERIFY(arrow.pixelColor(12, 6).alpha() > 100);
     QCOMPARE(arrow.pixelColor(11, 12).rgb(), QGuiApplication::palette().buttonText().color().rgb());
+}
+
+void TestDrawnIcons::doubleArrowPointsToWhereTheTextsGo()
+{
+    const DrawnIcons::Style style;
+    QStyleOption option;
+    option.direction = Qt::LeftToRight;
+    const QImage right = imageOf(style.standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton, &option), 24);
+    option.direction = Qt::RightToLeft;
+    const QImage left = imageOf(style.standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton, &option), 24);
+    QVERIFY(right != left);
+    QVERIFY(difference(right.mirrored(true, false), left) < 1);
+}
+
+void TestDrawnIcons::noSizeGivesNoPicture()
+{
+    for (const QSize& size : {QSize(), QSize(0, 0), QSize(-1, 4), QSize(4, 0)})
+        QVERIFY(DrawnIcons::addTask().pixmap(size).isNull());
 }
 
 void TestDrawnIcons::allOtherPicturesOfTheStyleAreAsBefore()
