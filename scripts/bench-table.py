@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Prints one table: bench-table.py BENCH_JSON LINES…
+"""Prints one table: bench-table.py [--markdown] BENCH_JSON LINES…
 
 BENCH_JSON is what the benchmarks wrote, LINES are files of "name value" lines of the programs that measure by
 themselves. docs/performance.md explains each row.
@@ -214,19 +214,32 @@ def read_lines(paths):
     return values
 
 
+HEADS = ("question", "ours", "limit", "peer", "/limit", "/peer", "spread", "goal", "met")
+
+
+def cells(row):
+    ratios = [f"{value:.2f}" if value is not None else "-"
+              for value in (ratio(row.ours, row.limit), ratio(row.ours, row.peer))]
+    spread = "-" if row.spread is None else f"{100 * row.spread:.0f} %"
+    return (row.question, shown(row.ours, row.unit), shown(row.limit, row.unit), shown(row.peer, row.unit), *ratios,
+            spread, row.goal(), {None: "-", True: "yes", False: "NO"}[row.met()])
+
+
 def main():
-    time, lines = Times(sys.argv[1]), read_lines(sys.argv[2:])
+    arguments = [argument for argument in sys.argv[1:] if argument != "--markdown"]
+    time, lines = Times(arguments[0]), read_lines(arguments[1:])
     rows = [*step_rows(time), *hand_off_rows(time), *drawing_rows(time), *pixel_rows(time), *file_rows(time),
             *text_rows(time), *window_rows(time), *start_rows(lines), *task_rows(lines)]
-    print(f"{'question':<64} {'ours':>10} {'limit':>10} {'peer':>10} {'/limit':>7} {'/peer':>7} {'spread':>6}  "
-          f"{'goal':<28} met")
-    for row in rows:
-        ratios = [f"{value:.2f}" if value is not None else "-"
-                  for value in (ratio(row.ours, row.limit), ratio(row.ours, row.peer))]
-        spread = "-" if row.spread is None else f"{100 * row.spread:.0f} %"
-        word = {None: "-", True: "yes", False: "NO"}[row.met()]
-        print(f"{row.question:<64} {shown(row.ours, row.unit):>10} {shown(row.limit, row.unit):>10} "
-              f"{shown(row.peer, row.unit):>10} {ratios[0]:>7} {ratios[1]:>7} {spread:>6}  {row.goal():<28} {word}")
+    table = [HEADS, *map(cells, rows)]
+    if "--markdown" in sys.argv:
+        table.insert(1, ["---"] * len(HEADS))
+        print("\n".join("| " + " | ".join(line) + " |" for line in table))
+        return
+    widths = [max(len(line[column]) for line in table) for column in range(len(HEADS))]
+    for line in table:
+        words = [word.ljust(width) if column in (0, 7, 8) else word.rjust(width)
+                 for column, (word, width) in enumerate(zip(line, widths))]
+        print("  ".join(words).rstrip())
 
 
 if __name__ == "__main__":
