@@ -20,15 +20,14 @@ struct Relay
     Mutex m_cMutex;                                        ///< While it is held the current line cannot go.
     OutputLine* m_pcLine GUARDED_BY(m_cMutex) = nullptr;   ///< Not owned; null without a window.
     std::thread::id m_cWindowThread GUARDED_BY(m_cMutex);  ///< The thread that shows.
-    QString m_strNewest GUARDED_BY(m_cMutex);
-    bool m_bFresh GUARDED_BY(m_cMutex) = false;  ///< The newest message was not shown yet.
-    bool m_bBusy GUARDED_BY(m_cMutex) = false;   ///< A call to the line is on its way, or its pause runs.
+    QString m_strNewest GUARDED_BY(m_cMutex);              ///< Of no account unless it is fresh.
+    bool m_bFresh GUARDED_BY(m_cMutex) = false;            ///< The newest message was not shown yet.
+    bool m_bBusy GUARDED_BY(m_cMutex) = false;             ///< A call to the line is on its way, or its pause runs.
 
     void reset(OutputLine* line) REQUIRES(m_cMutex)
     {
         m_pcLine = line;
         m_cWindowThread = std::this_thread::get_id();
-        m_strNewest.clear();
         m_bFresh = false;
         m_bBusy = false;
     }
@@ -88,7 +87,6 @@ void OutputLine::show(const QString& message)
         Relay& state = relay();
         const Guard guard(state.m_cMutex);
         state.m_bFresh = false;
-        state.m_strNewest.clear();
     }
     setLabel(message);
 }

@@ -1,7 +1,5 @@
 #include "pluginLibrary.h"
 
-#include "threadAnnotations.h"
-
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -11,7 +9,6 @@
 
 #include <cstring>
 #include <utility>
-#include <vector>
 
 using ElfHeader = ElfW(Ehdr);
 using ProgramHeader = ElfW(Phdr);
@@ -103,22 +100,6 @@ QString fileProblem(const QString& path)
     return problem.isEmpty() ? sectionProblem(file, header) : problem;
 }
 
-/// Libraries that lack an entry point: neither used nor unloaded, only kept until the process has ended. Any thread.
-class IncompleteLibraries
-{
-public:
-    static void keep(std::unique_ptr<QLibrary> library)
-    {
-        static auto* const all = new IncompleteLibraries;
-        const Guard guard(all->m_cMutex);
-        all->m_vecLibraries.push_back(std::move(library));
-    }
-
-private:
-    Mutex m_cMutex;  ///< Innermost: two registries may be made at the same time.
-    std::vector<std::unique_ptr<QLibrary>> m_vecLibraries GUARDED_BY(m_cMutex);
-};
-
 }  // namespace
 
 PluginLibrary::PluginLibrary(const QString& path, const QVector<const char*>& names)
@@ -138,8 +119,8 @@ PluginLibrary::PluginLibrary(const QString& path, const QVector<const char*>& na
         const QFunctionPointer function = library->resolve(name);
         if (!function) {
             m_eState = State::Incomplete;
-            // Kept on purpose: a half-fitting library stays mapped for the life of the process.
-            IncompleteLibraries::keep(std::move(library));
+            // Kept on purpose: a half-fitting library stays mapped for the life of the process. A QLibrary that goes
+            // unloads nothing.
             return;
         }
         m_vecEntries.append(function);

@@ -9,6 +9,7 @@ class tstOptionText : public QObject
 private Q_SLOTS:
     void textOfAnAbsentElementIsEmpty();
     void textIsFoundInAnyCaseAndOrder();
+    void tagThatEndsLikeAnotherIsAnother();
     void numbersAreReadInBaseTen_data();
     void numbersAreReadInBaseTen();
     void nestedReaderSeesOnlyTheBody();
@@ -33,6 +34,14 @@ void tstOptionText::textIsFoundInAnyCaseAndOrder()
 
     QCOMPARE(reader.text("First"), QStringLiteral("1"));
     QCOMPARE(reader.text("Second"), QStringLiteral("2"));
+}
+
+void tstOptionText::tagThatEndsLikeAnotherIsAnother()
+{
+    const OptionReader reader(QStringLiteral("<DataID>1</DataID><ID>2</ID>"));
+
+    QCOMPARE(reader.text("ID"), QStringLiteral("2"));
+    QCOMPARE(reader.text("DataID"), QStringLiteral("1"));
 }
 
 void tstOptionText::numbersAreReadInBaseTen_data()

@@ -40,6 +40,10 @@ void tstTextScan::pairStandsNeitherInFrontNorAcrossTheEnd()
     QCOMPARE(TextScan::indexOfPair(QStringView(text).left(11), 1, {u'<', u'<'}, {u'-', u'-'}), 11);
     QCOMPARE(TextScan::indexOfPair(QStringView(), 0, {u'<', u'<'}, {u'-', u'-'}), 0);
     QCOMPARE(TextScan::indexOfPair(QStringView(text).left(1), 0, {u'<', u'<'}, {u'-', u'-'}), 1);
+    for (int length = 1; length < 40; ++length) {
+        const QString across = QString(length - 1, QLatin1Char('.')) + QStringLiteral("<-");
+        QCOMPARE(TextScan::indexOfPair(QStringView(across).left(length), 0, {u'<', u'<'}, {u'-', u'-'}), length);
+    }
 }
 
 void tstTextScan::pairOfAlternativesIsFoundAsCharacterByCharacter()
@@ -100,7 +104,7 @@ void tstTextScan::markersAreFoundAsByQt_data()
     QTest::addColumn<QString>("marker");
 
     for (const char* marker : {"<-TaskItem->", "</-TaskItem->", "<=TaskInfo=>", "</=TaskInfo=>", "<CMD>", "</CMD>", "<",
-                               "/", "<-", "</", "</-", "ab", "a", "-<"})
+                               "/", "<-", "</", "</-", "ab", "a", "-<", "a<", "<a", "<<x"})
         QTest::newRow(marker) << QString::fromLatin1(marker);
 }
 

@@ -1,3 +1,4 @@
+#include "globalFunction.h"
 #include "windowFixture.h"
 
 #include <QHeaderView>
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void boxesOfManyTasksFollowOneAnotherAndNoneIsLost();
     void messageComesInAnAboutBox();
     void markupInAMessageIsShownAsItIs();
+    void viewsTakeOptionsBeforeTheyAreShown();
     void destroyingTheWindowStopsRunningTasks();
 
 private:
@@ -428,12 +430,14 @@ void TestWindowTasks::messageComesInAnAboutBox()
         auto* const box = qobject_cast<QMessageBox*>(widget);
         driver.m_lstBoxes.append({box->windowTitle(), box->text(), box->standardButtons(), QMessageBox::NoButton});
         ModalDriver::press(box->button(QMessageBox::Ok));
-        return box->icon() == QMessageBox::NoIcon;  // an information or a warning has one
+        // The program's own icon; an information or a warning has another.
+        return box->icon() == QMessageBox::NoIcon && box->iconPixmap().size() == QSize(48, 48);
     });
 
     HaveErrorMessage(QStringLiteral("text"));
 
     QVERIFY(driver.done());
+    QTRY_VERIFY(fixture.m_pcWindow->findChildren<QMessageBox*>().isEmpty());
     QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, QStringLiteral("警告"));
     QCOMPARE(driver.m_lstBoxes.at(0).m_strText, QStringLiteral("text"));
     QCOMPARE(driver.m_lstBoxes.at(0).m_nButtons, QMessageBox::StandardButtons(QMessageBox::Ok));
@@ -454,6 +458,13 @@ void TestWindowTasks::markupInAMessageIsShownAsItIs()
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, QStringLiteral("警告"));
     QCOMPARE(driver.m_lstBoxes.at(0).m_strText, QStringLiteral("<CMD>stop</CMD>"));
+}
+
+void TestWindowTasks::viewsTakeOptionsBeforeTheyAreShown()
+{
+    GlobalFunction::getInstance()->removeView(3);
+    const MainWindow window;
+    QVERIFY(ViewRecord(3));
 }
 
 void TestWindowTasks::destroyingTheWindowStopsRunningTasks()
