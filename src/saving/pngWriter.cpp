@@ -21,7 +21,8 @@ struct Manner
 
 constexpr Manner Noisy{1, Z_RLE, PNG_FILTER_SUB};
 constexpr Manner Smooth{3, Z_FILTERED, PNG_FILTER_SUB};
-constexpr Manner Sparse{4, Z_DEFAULT_STRATEGY, PNG_FILTER_UP};
+// Rows are taken as they are where that is shorter: on black even the name of a filter would be the only byte above 0.
+constexpr Manner Sparse{4, Z_DEFAULT_STRATEGY, PNG_FILTER_NONE | PNG_FILTER_UP};
 
 using Bytes = std::vector<unsigned char>;
 
