@@ -57,6 +57,7 @@ private Q_SLOTS:
         QVERIFY(status->windowFlags() & Qt::WindowStaysOnTopHint);
         QCOMPARE(status->x() + status->width(), m_pcWindow->x() + m_pcWindow->width());
         QCOMPARE(status->y(), m_pcWindow->y());
+        QCOMPARE(status->size(), status->sizeHint());
     }
 
     void laterUsesShowTheSameWindowWhereItIs()

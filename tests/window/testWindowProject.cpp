@@ -86,6 +86,8 @@ void TestWindowProject::newAnsweredYesClearsTasksTabsAndPath()
     const WindowFixture fixture;
     writeFile(at("a.lmv"), taskWithoutSource("a"));
     QVERIFY(fixture.open(at("a.lmv")));
+    const QPointer<QWidget> page = fixture.tabs()->widget(0);
+    QVERIFY(page);
     ModalDriver driver;
     driver.box(QMessageBox::Yes);
     fixture.trigger("newOption");
@@ -97,6 +99,7 @@ void TestWindowProject::newAnsweredYesClearsTasksTabsAndPath()
     driver.file(QString());
     fixture.triggerWithFileDialog("saveOption");
     QVERIFY(driver.done());
+    QTRY_VERIFY(!page);
 }
 
 void TestWindowProject::openDialogLooksForProjectsInTheCurrentFolder()

@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QMenu>
+#include <QSplitter>
 #include <QStyle>
 #include <QToolTip>
 #include <QVBoxLayout>
@@ -20,6 +21,8 @@ private Q_SLOTS:
     void addedTaskGetsATabWithItsWidgetsInOrder();
     void threadComboHasOneEntryForEachConfiguredProcessor();
     void flowTableHasItsHeadersWidthsAndTip();
+    void tabsTakeTheirWidthAndTheViewsTheRest();
+    void narrowColumnsCanBeMadeNarrower();
     void headersFitIntoTheirColumns();
     void countThatIsCutOffIsShownWholeInATip();
     void menuOfExtensionAlgorithmsIsDisabledWhileThereIsNone();
@@ -90,6 +93,7 @@ void TestWindowTasks::addedTaskGetsATabWithItsWidgetsInOrder()
 
     QCOMPARE(fixture.tabs()->count(), 1);
     QCOMPARE(fixture.tabs()->tabText(0), QStringLiteral("检测"));
+    QCOMPARE(fixture.tabs()->tabToolTip(0), QStringLiteral("检测"));
     auto* const layout = qobject_cast<QVBoxLayout*>(fixture.tabs()->widget(0)->layout());
     QVERIFY(layout != nullptr);
     QCOMPARE(layout->count(), 5);
@@ -136,6 +140,32 @@ void TestWindowTasks::flowTableHasItsHeadersWidthsAndTip()
     QCOMPARE(table->columnWidth(1), 35);
     QCOMPARE(table->columnWidth(2), 35);
     QCOMPARE(table->toolTip(), QStringLiteral("次数999999999(9个9)表示任务结束时才执行的算法"));
+}
+
+void TestWindowTasks::tabsTakeTheirWidthAndTheViewsTheRest()
+{
+    const WindowFixture fixture;
+    const auto* const splitter = fixture.child<QSplitter>("splitter");
+    QCOMPARE(splitter->sizes().at(0), 316);
+    fixture.m_pcWindow->resize(fixture.m_pcWindow->width() + 300, fixture.m_pcWindow->height());
+    QCoreApplication::processEvents();
+    QCOMPARE(splitter->sizes().at(0), 316);
+}
+
+void TestWindowTasks::narrowColumnsCanBeMadeNarrower()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.addTask(QStringLiteral("a")));
+    const QHeaderView* const header = fixture.table(0)->horizontalHeader();
+    const QPoint edge(header->sectionViewportPosition(1) + 34, header->height() / 2);
+    const auto drag = [header](QEvent::Type type, QPoint place) {
+        QMouseEvent event(type, place, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(header->viewport(), &event);
+    };
+    drag(QEvent::MouseButtonPress, edge);
+    drag(QEvent::MouseMove, edge - QPoint(10, 0));
+    drag(QEvent::MouseButtonRelease, edge - QPoint(10, 0));
+    QCOMPARE(header->sectionSize(1), 25);
 }
 
 void TestWindowTasks::headersFitIntoTheirColumns()
