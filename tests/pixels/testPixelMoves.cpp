@@ -54,6 +54,21 @@ void checkMove(const PixelKernels& form, const Move& move, std::size_t count, st
     QCOMPARE(source, before);
 }
 
+void checkExchangeInPlace(const PixelKernels& form, std::size_t count, std::size_t offset)
+{
+    const Bytes before = mixedBytes(3 * count, static_cast<unsigned>(count));
+    const Bytes exchanged = moved(before, Moves[0]);
+    const Bytes front(offset, 0xEE);
+    Bytes pixels = front;
+    pixels.insert(pixels.end(), before.begin(), before.end());
+    const auto first = pixels.begin() + static_cast<std::ptrdiff_t>(offset);
+    form.m_pfnExchange(pixels.data() + offset, pixels.data() + offset, count);
+    QCOMPARE(Bytes(first, pixels.end()), exchanged);
+    form.m_pfnExchange(pixels.data() + offset, pixels.data() + offset, count);
+    QCOMPARE(Bytes(first, pixels.end()), before);
+    QCOMPARE(Bytes(pixels.begin(), first), front);
+}
+
 /// What the benchmarks print.
 template <typename Kernels>
 QStringList namesOf(const std::vector<const Kernels*>& forms)
@@ -118,13 +133,12 @@ private Q_SLOTS:
     void exchangeWorksInPlaceAndTwiceIsNothing()
     {
         const PixelKernels& form = formOfRow();
-        for (std::size_t count = 0; count <= 140; ++count) {
-            const Bytes before = mixedBytes(3 * count, static_cast<unsigned>(count));
-            Bytes pixels = before;
-            form.m_pfnExchange(pixels.data(), pixels.data(), count);
-            QCOMPARE(pixels, moved(before, Moves[0]));
-            form.m_pfnExchange(pixels.data(), pixels.data(), count);
-            QCOMPARE(pixels, before);
+        for (std::size_t offset = 0; offset <= 16; ++offset) {
+            for (std::size_t count = 0; count <= 140; ++count) {
+                checkExchangeInPlace(form, count, offset);
+                if (QTest::currentTestFailed())
+                    return;
+            }
         }
     }
 

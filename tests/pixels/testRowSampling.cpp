@@ -44,25 +44,44 @@ Columns scattered(int rowWidth, std::size_t count, unsigned seed)
     return columns;
 }
 
-/// Exactly as large as its content, so that a sanitizer sees the first byte beside it.
+/// How far buffers lie from an aligned place.
+struct Offsets
+{
+    std::size_t m_nSource = 0;
+    std::size_t m_nTarget = 0;
+};
+
+/// Ends with its content, so that a sanitizer sees the first byte behind it, and the one in front where nothing is
+/// there.
 class Exact
 {
 public:
-    explicit Exact(const Bytes& bytes) : m_nSize(bytes.size()), m_puchData(new unsigned char[bytes.size()])
+    Exact(const Bytes& bytes, std::size_t offset)
+        : m_nOffset(offset), m_nSize(bytes.size()), m_puchMemory(new unsigned char[offset + bytes.size()])
     {
-        std::copy(bytes.begin(), bytes.end(), m_puchData.get());
+        std::fill_n(m_puchMemory.get(), offset, Front);
+        std::copy(bytes.begin(), bytes.end(), data());
     }
-    unsigned char* data() const { return m_puchData.get(); }
-    Bytes bytes() const { return {m_puchData.get(), m_puchData.get() + m_nSize}; }
+    unsigned char* data() const { return m_puchMemory.get() + m_nOffset; }
+    Bytes bytes() const { return {data(), data() + m_nSize}; }
+    bool frontIsUntouched() const
+    {
+        return std::all_of(m_puchMemory.get(), m_puchMemory.get() + m_nOffset,
+                           [](unsigned char byte) { return byte == Front; });
+    }
 
 private:
+    static constexpr unsigned char Front = 0x77;
+
+    std::size_t m_nOffset;
     std::size_t m_nSize;
-    std::unique_ptr<unsigned char[]> m_puchData;
+    std::unique_ptr<unsigned char[]> m_puchMemory;
 };
 
-void checkColour(const SamplingKernels& form, const Columns& columns, int rowWidth, bool exchange)
+void checkColour(const SamplingKernels& form, const Columns& columns, int rowWidth, bool exchange, Offsets offsets)
 {
-    const Exact row(mixedBytes(3 * static_cast<std::size_t>(rowWidth), static_cast<unsigned>(rowWidth)));
+    const Exact row(mixedBytes(3 * static_cast<std::size_t>(rowWidth), static_cast<unsigned>(rowWidth)),
+                    offsets.m_nSource);
     const Bytes source = row.bytes();
     Bytes expected;
     for (const std::int32_t column : columns) {
@@ -71,28 +90,45 @@ void checkColour(const SamplingKernels& form, const Columns& columns, int rowWid
         expected.push_back(source[byte + 1]);
         expected.push_back(source[exchange ? byte : byte + 2]);
     }
-    const Exact target(Bytes(expected.size(), 0xEE));
+    const Exact target(Bytes(expected.size(), 0xEE), offsets.m_nTarget);
     form.m_pfnColour(row.data(), ColumnMap(columns, rowWidth), exchange, target.data());
     QCOMPARE(target.bytes(), expected);
+    QVERIFY(target.frontIsUntouched());
 }
 
-void checkGrey(const SamplingKernels& form, const Columns& columns, int rowWidth)
+void checkGrey(const SamplingKernels& form, const Columns& columns, int rowWidth, Offsets offsets)
 {
-    const Exact row(mixedBytes(static_cast<std::size_t>(rowWidth), static_cast<unsigned>(rowWidth)));
+    const Exact row(mixedBytes(static_cast<std::size_t>(rowWidth), static_cast<unsigned>(rowWidth)), offsets.m_nSource);
     const Bytes source = row.bytes();
     Bytes expected;
     for (const std::int32_t column : columns)
         expected.push_back(source[static_cast<std::size_t>(column)]);
-    const Exact target(Bytes(expected.size(), 0xEE));
+    const Exact target(Bytes(expected.size(), 0xEE), offsets.m_nTarget);
     form.m_pfnGrey(row.data(), ColumnMap(columns, rowWidth), target.data());
     QCOMPARE(target.bytes(), expected);
+    QVERIFY(target.frontIsUntouched());
 }
 
-void checkSampling(const SamplingKernels& form, const Columns& columns, int rowWidth)
+void checkSampling(const SamplingKernels& form, const Columns& columns, int rowWidth, Offsets offsets = {})
 {
-    checkColour(form, columns, rowWidth, true);
-    checkColour(form, columns, rowWidth, false);
-    checkGrey(form, columns, rowWidth);
+    checkColour(form, columns, rowWidth, true, offsets);
+    checkColour(form, columns, rowWidth, false, offsets);
+    checkGrey(form, columns, rowWidth, offsets);
+}
+
+void checkOverlay(const SamplingKernels& form, std::size_t count, bool whereZero, Offsets offsets = {})
+{
+    const Exact grey(mixedBytes(count, static_cast<unsigned>(count)), offsets.m_nSource);
+    const Exact rgb(mixedBytes(3 * count, static_cast<unsigned>(count + 1)), offsets.m_nSource);
+    const Exact target(Bytes(3 * count, 0x5A), offsets.m_nTarget);
+    Bytes expected = target.bytes();
+    for (std::size_t i = 0; i < 3 * count; ++i) {
+        if ((grey.data()[i / 3] == 0) == whereZero)
+            expected[i] = rgb.data()[i];
+    }
+    form.m_pfnOverlay(grey.data(), rgb.data(), whereZero, target.data(), count);
+    QCOMPARE(target.bytes(), expected);
+    QVERIFY(target.frontIsUntouched());
 }
 
 }  // namespace
@@ -108,6 +144,8 @@ private Q_SLOTS:
     void scatteredColumns();
     void overlayTakesZerosOrOthers_data() { addSamplers(); }
     void overlayTakesZerosOrOthers();
+    void buffersNeedNoAlignment_data() { addSamplers(); }
+    void buffersNeedNoAlignment();
     void mapKnowsNeighboursWindowsAndTheLastPixel();
 };
 
@@ -133,17 +171,23 @@ void TestRowSampling::scatteredColumns()
 void TestRowSampling::overlayTakesZerosOrOthers()
 {
     for (std::size_t count = 0; count < 100; ++count) {
-        const Exact grey(mixedBytes(count, static_cast<unsigned>(count)));
-        const Exact rgb(mixedBytes(3 * count, static_cast<unsigned>(count + 1)));
-        for (const bool whereZero : {true, false}) {
-            const Exact target(Bytes(3 * count, 0x5A));
-            Bytes expected = target.bytes();
-            for (std::size_t i = 0; i < 3 * count; ++i) {
-                if ((grey.data()[i / 3] == 0) == whereZero)
-                    expected[i] = rgb.data()[i];
-            }
-            samplerOfRow().m_pfnOverlay(grey.data(), rgb.data(), whereZero, target.data(), count);
-            QCOMPARE(target.bytes(), expected);
+        for (const bool whereZero : {true, false})
+            checkOverlay(samplerOfRow(), count, whereZero);
+    }
+}
+
+void TestRowSampling::buffersNeedNoAlignment()
+{
+    constexpr int RowWidth = 75;
+    const SamplingKernels& form = samplerOfRow();
+    for (std::size_t source = 0; source <= 16; ++source) {
+        for (std::size_t target = 0; target <= 16; ++target) {
+            for (const int step : {8, 16, 17})
+                checkSampling(form, stepped(0, step, RowWidth, 60), RowWidth, {source, target});
+            for (const bool whereZero : {true, false})
+                checkOverlay(form, 37, whereZero, {source, target});
+            if (QTest::currentTestFailed())
+                return;
         }
     }
 }
