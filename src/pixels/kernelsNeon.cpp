@@ -1,7 +1,7 @@
 // Sixteen pixels at a time. Compiled without contraction of floating point (see CMakeLists.txt).
+#include "neon.h"
 #include "pixels/greyForm.h"
 #include "pixels/kernels.h"
-#include "pixels/neon.h"
 
 #if defined(HAS_NEON)
 

@@ -1,4 +1,4 @@
-#include "pixels/neon.h"
+#include "neon.h"
 #include "pixels/samplingKernels.h"
 
 #if defined(HAS_NEON)

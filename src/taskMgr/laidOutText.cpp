@@ -1,7 +1,5 @@
 #include "taskMgr/laidOutText.h"
 
-#include "textScan.h"
-
 #include <cstring>
 
 int LaidOutText::RepeatedNumber::of(QStringView text)
@@ -136,9 +134,9 @@ bool LaidOutText::markerStandsHere(int index) const
 int LaidOutText::nextMarkerOrNul() const
 {
     const int length = static_cast<int>(m_strText.size());
-    int i = TextScan::indexOfOne(m_strText, m_nPos, {u'<', u'\0'});
+    int i = m_cScan.m_pfnIndexOfOne(m_strText, m_nPos, {u'<', u'\0'});
     while (i < length && !m_strText[i].isNull() && !markerStandsHere(i))
-        i = TextScan::indexOfOne(m_strText, i + 1, {u'<', u'\0'});
+        i = m_cScan.m_pfnIndexOfOne(m_strText, i + 1, {u'<', u'\0'});
     return i;
 }
 

@@ -2,6 +2,7 @@
 
 #include "taskMgr/taskTags.h"
 #include "taskMgr/taskText.h"
+#include "textScan.h"
 
 #include <QList>
 #include <QString>
@@ -59,6 +60,7 @@ private:
     void skipBlanks();
 
     const TaskTags& m_cTags = TaskTags::get();
+    const TextScan::Forms& m_cScan = TextScan::Forms::best();
     QStringView m_strText;
     int m_nPos = 0;
     RepeatedNumber m_cCount;

@@ -57,13 +57,14 @@ QString ProjectText::upToNul(const QString& text)
 QString ProjectText::collapseEmptyLines(const QString& text)
 {
     constexpr TextScan::OneOf LineEnd{u'\r', u'\n'};
-    if (TextScan::indexOfPair(text, 0, LineEnd, LineEnd) == text.length())
+    const auto indexOfPair = TextScan::Forms::best().m_pfnIndexOfPair;
+    if (indexOfPair(text, 0, LineEnd, LineEnd) == text.length())
         return text;
     QString result;
     result.reserve(text.length());
     for (int copied = 0; copied < text.length();) {
-        const int next = std::min(TextScan::indexOfPair(text, std::max(copied - 1, 0), LineEnd, LineEnd) + 1,
-                                  static_cast<int>(text.length()));
+        const int next =
+            std::min(indexOfPair(text, std::max(copied - 1, 0), LineEnd, LineEnd) + 1, static_cast<int>(text.length()));
         result.append(text.constData() + copied, next - copied);
         if (next == text.length())
             break;
@@ -135,8 +136,8 @@ int endOfName(const QString& text, int index)
 void ProjectText::forEachNamedID(const QString& text, const std::function<void(int)>& found)
 {
     constexpr TextScan::OneOf Bracket{u'<', u'<'};
-    for (int open = TextScan::indexOfOne(text, 0, Bracket); open < text.length();
-         open = TextScan::indexOfOne(text, open + 1, Bracket)) {
+    const auto indexOfOne = TextScan::Forms::best().m_pfnIndexOfOne;
+    for (int open = indexOfOne(text, 0, Bracket); open < text.length(); open = indexOfOne(text, open + 1, Bracket)) {
         const int nameEnd = endOfName(text, open + 1);
         const QStringRef name = text.midRef(open + 1, nameEnd - open - 1);
         if (nameEnd == text.length() || text.at(nameEnd) != QLatin1Char('>') ||

@@ -2,19 +2,82 @@
 
 #include <QtTest>
 
+#include <algorithm>
+#include <memory>
 #include <random>
+
+#if defined(__arm__)
+#include <sys/auxv.h>
+#endif
+
+using TextScan::Forms;
+using TextScan::OneOf;
+
+namespace {
+
+/// One row for each form that this processor has.
+void addForms()
+{
+    QTest::addColumn<int>("form");
+    int index = 0;
+    for (const Forms* forms : Forms::available())
+        QTest::newRow(forms->m_pchName) << index++;
+}
+
+const Forms& formOfRow()
+{
+    QFETCH(int, form);
+    return *Forms::available().at(static_cast<std::size_t>(form));
+}
+
+/// Exactly as large as its content, so that a sanitizer sees the first character beside it.
+class Exact
+{
+public:
+    explicit Exact(const QString& text) : m_nSize(text.size()), m_pcData(new QChar[static_cast<std::size_t>(m_nSize)])
+    {
+        std::copy(text.begin(), text.end(), m_pcData.get());
+    }
+    QStringView view() const { return {m_pcData.get(), m_nSize}; }
+
+private:
+    int m_nSize;
+    std::unique_ptr<QChar[]> m_pcData;
+};
+
+/// Dots, and about one in so many characters a part of what is searched.
+QString withParts(int length, unsigned oneIn, std::mt19937& random)
+{
+    QString text(length, QLatin1Char('.'));
+    for (QChar& c : text) {
+        if (random() % oneIn == 0)
+            c = QLatin1Char("<=-/"[random() % 4]);
+    }
+    return text;
+}
+
+}  // namespace
 
 class tstTextScan : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void pairIsFoundAtEveryPlaceOfEveryLength_data() { addForms(); }
     void pairIsFoundAtEveryPlaceOfEveryLength();
+    void pairStandsNeitherInFrontNorAcrossTheEnd_data() { addForms(); }
     void pairStandsNeitherInFrontNorAcrossTheEnd();
+    void pairOfAlternativesIsFoundAsCharacterByCharacter_data() { addForms(); }
     void pairOfAlternativesIsFoundAsCharacterByCharacter();
+    void oneCharacterIsFoundAtEveryPlaceOfEveryLength_data() { addForms(); }
     void oneCharacterIsFoundAtEveryPlaceOfEveryLength();
+    void oneOfTwoIsFoundAsCharacterByCharacter_data() { addForms(); }
     void oneOfTwoIsFoundAsCharacterByCharacter();
+    void charactersWithTheSameLowByteAreOthers_data() { addForms(); }
     void charactersWithTheSameLowByteAreOthers();
+    void everyPlaceInMemoryAndEveryStartFindTheSame_data() { addForms(); }
+    void everyPlaceInMemoryAndEveryStartFindTheSame();
+    void formsAreThoseThatTheProcessorHas();
     void markersAreFoundAsByQt_data();
     void markersAreFoundAsByQt();
     void foldedLettersCountAsInQt();
@@ -22,32 +85,31 @@ private Q_SLOTS:
 
 void tstTextScan::pairIsFoundAtEveryPlaceOfEveryLength()
 {
+    const Forms& form = formOfRow();
     for (int length = 2; length < 40; ++length) {
         for (int place = 0; place + 1 < length; ++place) {
             QString text(length, QLatin1Char('.'));
             text[place] = QLatin1Char('<');
             text[place + 1] = QLatin1Char('-');
             for (int from = 0; from <= length; ++from)
-                QCOMPARE(TextScan::indexOfPair(text, from, {u'<', u'<'}, {u'-', u'-'}), from <= place ? place : length);
+                QCOMPARE(form.m_pfnIndexOfPair(text, from, {u'<', u'<'}, {u'-', u'-'}), from <= place ? place : length);
         }
     }
 }
 
 void tstTextScan::pairStandsNeitherInFrontNorAcrossTheEnd()
 {
+    const Forms& form = formOfRow();
     const QString text = QStringLiteral("<-........<-");
 
-    QCOMPARE(TextScan::indexOfPair(QStringView(text).left(11), 1, {u'<', u'<'}, {u'-', u'-'}), 11);
-    QCOMPARE(TextScan::indexOfPair(QStringView(), 0, {u'<', u'<'}, {u'-', u'-'}), 0);
-    QCOMPARE(TextScan::indexOfPair(QStringView(text).left(1), 0, {u'<', u'<'}, {u'-', u'-'}), 1);
-    for (int length = 1; length < 40; ++length) {
-        const QString across = QString(length - 1, QLatin1Char('.')) + QStringLiteral("<-");
-        QCOMPARE(TextScan::indexOfPair(QStringView(across).left(length), 0, {u'<', u'<'}, {u'-', u'-'}), length);
-    }
+    QCOMPARE(form.m_pfnIndexOfPair(QStringView(text).left(11), 1, {u'<', u'<'}, {u'-', u'-'}), 11);
+    QCOMPARE(form.m_pfnIndexOfPair(QStringView(), 0, {u'<', u'<'}, {u'-', u'-'}), 0);
+    QCOMPARE(form.m_pfnIndexOfPair(QStringView(text).left(1), 0, {u'<', u'<'}, {u'-', u'-'}), 1);
 }
 
 void tstTextScan::pairOfAlternativesIsFoundAsCharacterByCharacter()
 {
+    const Forms& form = formOfRow();
     std::mt19937 random(1);
     const QString letters = QStringLiteral("\r\nabcdefgh");
     for (int round = 0; round < 4000; ++round) {
@@ -55,48 +117,89 @@ void tstTextScan::pairOfAlternativesIsFoundAsCharacterByCharacter()
         for (int i = 0; i < round % 90; ++i)
             text += letters.at(static_cast<int>(random() % 10));
         const int from = text.isEmpty() ? 0 : static_cast<int>(random() % static_cast<unsigned>(text.size()));
-        QCOMPARE(TextScan::indexOfPair(text, from, {u'\r', u'\n'}, {u'\n', u'a'}),
+        QCOMPARE(form.m_pfnIndexOfPair(text, from, {u'\r', u'\n'}, {u'\n', u'a'}),
                  TextScan::indexOfPairPlain(text, from, {u'\r', u'\n'}, {u'\n', u'a'}));
     }
 }
 
 void tstTextScan::oneCharacterIsFoundAtEveryPlaceOfEveryLength()
 {
+    const Forms& form = formOfRow();
     for (int length = 0; length < 70; ++length) {
         for (int place = 0; place < length; ++place) {
             QString text(length, QLatin1Char('.'));
             text[place] = place % 2 ? QLatin1Char('<') : QChar(0);
             for (int from = 0; from <= length; ++from)
-                QCOMPARE(TextScan::indexOfOne(text, from, {u'<', u'\0'}), from <= place ? place : length);
+                QCOMPARE(form.m_pfnIndexOfOne(text, from, {u'<', u'\0'}), from <= place ? place : length);
         }
         // What stands behind the end does not count.
         const QString text = QString(length, QLatin1Char('.')) + QString(20, QLatin1Char('<'));
-        QCOMPARE(TextScan::indexOfOne(QStringView(text).left(length), 0, {u'<', u'\0'}), length);
+        QCOMPARE(form.m_pfnIndexOfOne(QStringView(text).left(length), 0, {u'<', u'\0'}), length);
     }
 }
 
 void tstTextScan::oneOfTwoIsFoundAsCharacterByCharacter()
 {
+    const Forms& form = formOfRow();
     std::mt19937 random(2);
     for (int round = 0; round < 4000; ++round) {
         QString text;
         for (int i = 0; i < round % 90; ++i)
             text += QChar(static_cast<ushort>(random() % 50 ? random() : 'a' + random() % 2));
         const int from = static_cast<int>(random() % static_cast<unsigned>(text.size() + 1));
-        QCOMPARE(TextScan::indexOfOne(text, from, {u'a', u'b'}), TextScan::indexOfOnePlain(text, from, {u'a', u'b'}));
+        QCOMPARE(form.m_pfnIndexOfOne(text, from, {u'a', u'b'}), TextScan::indexOfOnePlain(text, from, {u'a', u'b'}));
     }
 }
 
 void tstTextScan::charactersWithTheSameLowByteAreOthers()
 {
+    const Forms& form = formOfRow();
     QString text = QString(20, QChar(0x3c00 + '<')) + QString(20, QChar(0x2d00 + '-'));
 
-    QCOMPARE(TextScan::indexOfPair(text, 0, {u'<', u'<'}, {u'-', u'-'}), 40);
-    QCOMPARE(TextScan::indexOfOne(text, 0, {u'<', u'-'}), 40);
+    QCOMPARE(form.m_pfnIndexOfPair(text, 0, {u'<', u'<'}, {u'-', u'-'}), 40);
+    QCOMPARE(form.m_pfnIndexOfOne(text, 0, {u'<', u'-'}), 40);
     text[12] = QLatin1Char('<');
-    QCOMPARE(TextScan::indexOfPair(text, 0, {u'<', u'<'}, {u'-', u'-'}), 40);
+    QCOMPARE(form.m_pfnIndexOfPair(text, 0, {u'<', u'<'}, {u'-', u'-'}), 40);
     text[13] = QLatin1Char('-');
-    QCOMPARE(TextScan::indexOfPair(text, 0, {u'<', u'<'}, {u'-', u'-'}), 12);
+    QCOMPARE(form.m_pfnIndexOfPair(text, 0, {u'<', u'<'}, {u'-', u'-'}), 12);
+}
+
+// The view starts at each of the places that an aligned load would not bear.
+void tstTextScan::everyPlaceInMemoryAndEveryStartFindTheSame()
+{
+    const Forms& form = formOfRow();
+    constexpr OneOf First{u'<', u'='};
+    constexpr OneOf Second{u'-', u'/'};
+    std::mt19937 random(3);
+    for (int length = 0; length < 60; ++length) {
+        for (int offset = 0; offset <= 16; ++offset) {
+            const QString text = withParts(length, length % 2 ? 2 : 9, random);
+            const Exact exact(QString(offset, QLatin1Char('<')) + text);
+            const QStringView view = exact.view().mid(offset);
+            for (int from = 0; from <= length; ++from) {
+                QCOMPARE(form.m_pfnIndexOfPair(view, from, First, Second),
+                         TextScan::indexOfPairPlain(text, from, First, Second));
+                QCOMPARE(form.m_pfnIndexOfOne(view, from, First), TextScan::indexOfOnePlain(text, from, First));
+            }
+        }
+    }
+}
+
+void tstTextScan::formsAreThoseThatTheProcessorHas()
+{
+    QStringList names;
+    for (const Forms* forms : Forms::available())
+        names.append(forms->m_pchName);
+
+#if defined(__x86_64__)
+    QCOMPARE(names, (QStringList{"plain", "sse2"}));
+#elif defined(__arm__)
+    constexpr unsigned long Neon = 1UL << 12;  // of AT_HWCAP
+    QCOMPARE(names, (::getauxval(AT_HWCAP) & Neon) != 0 ? (QStringList{"plain", "neon"}) : QStringList{"plain"});
+#else
+    QCOMPARE(names.first(), QStringLiteral("plain"));
+#endif
+    QCOMPARE(&Forms::best(), Forms::available().back());
 }
 
 void tstTextScan::markersAreFoundAsByQt_data()
