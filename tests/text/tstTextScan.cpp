@@ -105,6 +105,11 @@ void tstTextScan::pairStandsNeitherInFrontNorAcrossTheEnd()
     QCOMPARE(form.m_pfnIndexOfPair(QStringView(text).left(11), 1, {u'<', u'<'}, {u'-', u'-'}), 11);
     QCOMPARE(form.m_pfnIndexOfPair(QStringView(), 0, {u'<', u'<'}, {u'-', u'-'}), 0);
     QCOMPARE(form.m_pfnIndexOfPair(QStringView(text).left(1), 0, {u'<', u'<'}, {u'-', u'-'}), 1);
+    for (int length = 1; length < 40; ++length) {
+        const QString cut = QString(length - 1, QLatin1Char('.')) + QStringLiteral("<-");
+        for (int from = 0; from <= length; ++from)
+            QCOMPARE(form.m_pfnIndexOfPair(QStringView(cut).left(length), from, {u'<', u'<'}, {u'-', u'-'}), length);
+    }
 }
 
 void tstTextScan::pairOfAlternativesIsFoundAsCharacterByCharacter()
