@@ -88,14 +88,10 @@ void MainWindow::setIcons()
 
 MainWindow::~MainWindow()
 {
-    // The tasks use widgets, views and the output line until they are gone.
+    // The tasks use widgets, views and the output line until they are gone. A view that goes takes itself out of the
+    // list.
     TaskMgr::deleteThis();
     m_pcOutputLine.reset();
-    for (int i = 0; i < ViewForm::ViewNum; ++i) {
-        ViewForm*& view = ViewForm::s_apcViewForms[static_cast<size_t>(i)];
-        if (view != nullptr && view->window() == this)
-            view = nullptr;
-    }
 }
 
 void MainWindow::addViews()

@@ -8,7 +8,7 @@ BUILD_PACKAGES=(
     qtbase5-dev qtbase5-dev-tools libjpeg62-turbo-dev libpng-dev zlib1g-dev libopencv-core-dev libopencv-imgproc-dev
 )
 
-# To run it: drawn icons, picture formats beyond Qt's own, Qt's own texts in Chinese, a font with Chinese characters.
+# To run it: drawn pictures and other picture formats beyond Qt's own, Qt's own texts in Chinese, a font with Chinese characters.
 RUN_PACKAGES=(libqt5svg5 qt5-image-formats-plugins qttranslations5-l10n fonts-wqy-microhei)
 
 # To run it where only a Wayland display is offered.

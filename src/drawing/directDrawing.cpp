@@ -132,7 +132,7 @@ private:
     /// Two pixels with one store, whose last two bytes the next one overwrites.
     void fill(const unsigned char* grey)
     {
-        static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN);
+        static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "the lower pixel stands in front");
         const Pixel* const colours = m_aColours.data();
         unsigned char* target = m_vecRgb.data();
         for (const unsigned char* const end = grey + m_nCount / 2 * 2; grey < end; grey += 2, target += 6) {

@@ -85,15 +85,18 @@ public:
     {
     }
 
-    /// The picture's pixel for each of the canvas, or Untouched.
-    std::vector<std::int32_t> ask() const
+    /// The picture's pixel for each of the canvas, or Untouched; nothing when there is no memory to ask.
+    std::optional<std::vector<std::int32_t>> ask() const
     {
         QImage canvas(sized(length(m_cRequest.m_cCanvas), m_nAround), QImage::Format_RGB888);
+        const QImage picture = numbers();
+        if (canvas.isNull() || picture.isNull())
+            return std::nullopt;
         canvas.fill(Qt::white);
         const QRectF& source = m_cRequest.m_cSource;
         const QRectF part =
             m_bAcross ? QRectF(source.x(), 0, source.width(), 2) : QRectF(0, source.y(), 2, source.height());
-        paintPart(canvas, numbers(), part);
+        paintPart(canvas, picture, part);
         std::vector<std::int32_t> answer(static_cast<std::size_t>(length(m_cRequest.m_cCanvas)));
         for (int i = 0; i < length(m_cRequest.m_cCanvas); ++i)
             answer[static_cast<std::size_t>(i)] =
@@ -137,8 +140,12 @@ private:
 };
 
 /// What was drawn, with the number of the first; nothing when it has gaps or descends.
-std::optional<std::pair<int, std::vector<std::int32_t>>> drawnPart(const std::vector<std::int32_t>& answer)
+std::optional<std::pair<int, std::vector<std::int32_t>>> drawnPart(
+    const std::optional<std::vector<std::int32_t>>& asked)
 {
+    if (!asked)
+        return std::nullopt;
+    const std::vector<std::int32_t>& answer = *asked;
     const auto isDrawn = [](std::int32_t number) { return number != Untouched; };
     const auto first = std::find_if(answer.begin(), answer.end(), isDrawn);
     const auto end = std::find(first, answer.end(), Untouched);

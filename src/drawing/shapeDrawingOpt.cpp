@@ -21,7 +21,7 @@ using ViewScale::saturated;
 constexpr int MaxPenWidth = 8192;  ///< Covers every canvas; the rasteriser's numbers end at 32767.
 constexpr int MaxFontSize = 4096;  ///< Larger letters would only fill the canvas.
 constexpr int MaxTextPlace =
-    1 << 20;  ///< Text that starts further out shows nothing; its place would not fit Qt's numbers.
+    1 << 20;  ///< Text that starts further out is left out; its place would not fit Qt's numbers.
 
 QColor opaque(int color)
 {

@@ -1,3 +1,4 @@
+#include "../soak/soakMemory.h"
 #include "recordKinds.h"
 
 #include <QtTest>
@@ -29,6 +30,7 @@ private slots:
     void snapshotIsNotTouchedByLaterChanges();
     void snapshotHoldsTheWholeList();
     void memoryThatWasSharedIsNeverWrittenAgain();
+    void appendingCopiesTheListOnceAfterASnapshot();
 };
 
 void StoreListsTest::newListsAreEmpty()
@@ -335,6 +337,26 @@ void StoreListsTest::memoryThatWasSharedIsNeverWrittenAgain()
         QVERIFY(after != before);
         before = after;
     }
+}
+
+// Otherwise each point of a long list would copy the whole list.
+void StoreListsTest::appendingCopiesTheListOnceAfterASnapshot()
+{
+    if (!SoakMemory::isResidentTelling())
+        QSKIP("Allocations cannot be counted under a sanitizer.");
+    constexpr int Appended = 10000;
+    const StoreGuard store;
+    ParamPoints* const points = store->getParamPoints(1);
+    for (int i = 0; i < Appended; ++i)
+        points->append({i, i});
+    const QVector<ParamPoints::Point> snapshot = points->getPoints();
+    const std::int64_t before = SoakMemory::requestsOfThisThread().m_nAll;
+    for (int i = 0; i < Appended; ++i)
+        points->append({i, i});
+    const std::int64_t requests = SoakMemory::requestsOfThisThread().m_nAll - before;
+    QVERIFY2(requests >= 1 && requests < 50, qPrintable(QString::number(requests)));
+    QCOMPARE(points->getPointNum(), 2 * Appended);
+    QCOMPARE(snapshot.size(), Appended);
 }
 
 QTEST_GUILESS_MAIN(StoreListsTest)

@@ -43,6 +43,7 @@ public:
     {
         QString m_strTitle;
         QString m_strFolder;
+        QString m_strName;  ///< In the field for the name.
         QStringList m_lstFilters;
         QFileDialog::AcceptMode m_nMode;
         QFileDialog::FileMode m_nFileMode;
@@ -76,8 +77,8 @@ public:
             auto* const dialog = qobject_cast<QFileDialog*>(widget);
             if (dialog == nullptr)
                 return false;
-            m_lstFiles.append({dialog->windowTitle(), dialog->directory().absolutePath(), dialog->nameFilters(),
-                               dialog->acceptMode(), dialog->fileMode(),
+            m_lstFiles.append({dialog->windowTitle(), dialog->directory().absolutePath(), nameIn(*dialog),
+                               dialog->nameFilters(), dialog->acceptMode(), dialog->fileMode(),
                                dialog->testOption(QFileDialog::DontUseNativeDialog)});
             dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(name);
             const auto button =
@@ -131,6 +132,12 @@ private:
         auto* const defaultButton = box->defaultButton();
         m_lstBoxes.append({box->windowTitle(), box->text(), box->standardButtons(),
                            defaultButton != nullptr ? box->standardButton(defaultButton) : QMessageBox::NoButton});
+    }
+
+    static QString nameIn(const QFileDialog& dialog)
+    {
+        const auto* const field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        return field ? field->text() : QStringLiteral("(no field)");
     }
 
     void look()

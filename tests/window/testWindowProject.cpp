@@ -112,6 +112,7 @@ void TestWindowProject::openDialogLooksForProjectsInTheCurrentFolder()
     QCOMPARE(driver.m_lstFiles.at(0).m_strTitle, QStringLiteral("打开文件"));
     QCOMPARE(driver.m_lstFiles.at(0).m_lstFilters, QStringList{QStringLiteral("项目文件(*.lmv)")});
     QCOMPARE(driver.m_lstFiles.at(0).m_strFolder, QDir::currentPath());
+    QCOMPARE(driver.m_lstFiles.at(0).m_strName, QString());
     QCOMPARE(driver.m_lstFiles.at(0).m_nMode, QFileDialog::AcceptOpen);
     QCOMPARE(driver.m_lstFiles.at(0).m_nFileMode, QFileDialog::ExistingFile);
     QVERIFY(driver.m_lstFiles.at(0).m_bQtsOwn);
