@@ -7,6 +7,8 @@
 
 #include <immintrin.h>
 
+#include <cstdint>
+
 #define AVX2 __attribute__((target("avx2")))
 #define AVX2_INLINE __attribute__((target("avx2"), always_inline)) inline
 
@@ -64,22 +66,65 @@ AVX2_INLINE __m256i exchanged(__m256i before, __m256i behind)
                            _mm256_shuffle_epi8(behind, _mm256_load_si256(placesBehind)));
 }
 
+/// The register that starts two bytes before the source, whose first two bytes are not read.
+AVX2_INLINE __m256i beforeFirst(const unsigned char* source)
+{
+    const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
+    const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + 14));
+    return _mm256_set_m128i(second, _mm_slli_si128(first, 2));
+}
+
+/// Exchanges a step's pixels, in place, too; what starts two bytes before the next step as it was.
+AVX2_INLINE __m256i exchangeStep(__m256i before, const unsigned char* source, unsigned char* target)
+{
+    const __m256i a = exchanged<0>(before, load(source + 2));
+    const __m256i b = exchanged<32>(load(source + 30), load(source + 34));
+    const __m256i c = exchanged<64>(load(source + 62), load(source + 66));
+    const __m256i next = load(source + 3 * Step - 2);
+    store(target, a);
+    store(target + 32, b);
+    store(target + 64, c);
+    return next;
+}
+
+/// How many pixels are in front of the first that starts where a register of the target should, for stores that cross
+/// no line of the cache. 11 times 3 is 1 modulo 32.
+std::size_t pixelsToAligned(const unsigned char* target)
+{
+    return (32 - reinterpret_cast<std::uintptr_t>(target) % 32) * 11 % 32;
+}
+
+/// Has the processor fetch what will be read and written in a while: it does not look that far ahead by itself in a
+/// loop as long as this one. In place there is only half as much to fetch, and asking would cost more than it saves.
+AVX2_INLINE void fetchAhead(const unsigned char* source, const unsigned char* target)
+{
+    constexpr std::uintptr_t Distance = 3072;  // bytes; what lies behind the buffers does no harm
+    constexpr std::uintptr_t Line = 64;
+    const std::uintptr_t read = reinterpret_cast<std::uintptr_t>(source) + Distance;
+    const std::uintptr_t written = reinterpret_cast<std::uintptr_t>(target) + Distance;
+    __builtin_prefetch(reinterpret_cast<const void*>(read));
+    __builtin_prefetch(reinterpret_cast<const void*>(read + Line));
+    __builtin_prefetch(reinterpret_cast<const void*>(written), 1);
+    __builtin_prefetch(reinterpret_cast<const void*>(written + Line), 1);
+}
+
 AVX2 void exchange(const unsigned char* source, unsigned char* target, std::size_t count)
 {
-    constexpr std::size_t Block = 3 * Step;  // bytes
-    constexpr std::size_t Ahead = 11;        // pixels behind a block that it reads, too
-    if (count >= Step + Ahead) {
-        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
-        const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + 14));
-        __m256i before = _mm256_set_m128i(second, _mm_slli_si128(first, 2));  // what is before the first is not read
-        for (; count >= Step + Ahead; count -= Step, source += Block, target += Block) {
-            const __m256i a = exchanged<0>(before, load(source + 2));
-            const __m256i b = exchanged<32>(load(source + 30), load(source + 34));
-            const __m256i c = exchanged<64>(load(source + 62), load(source + 66));
-            before = load(source + Block - 2);  // in place this block is about to be overwritten
-            store(target, a);
-            store(target + 32, b);
-            store(target + 64, c);
+    constexpr std::size_t Read = Step + 11;  // pixels that a step reads
+    const bool copies = source != target;
+    if (copies && count >= Step + Read) {
+        exchangeStep(beforeFirst(source), source, target);  // some of them once more below
+        const std::size_t done = pixelsToAligned(target);
+        source += 3 * done;
+        target += 3 * done;
+        count -= done;
+    }
+    if (count >= Read) {
+        __m256i before = beforeFirst(source);
+        for (; count >= Read; count -= Step, source += 3 * Step, target += 3 * Step) {
+            if (copies)
+                fetchAhead(source, target);
+            before = exchangeStep(before, source, target);
         }
     }
     PixelKernels::ssse3()->m_pfnExchange(source, target, count);
@@ -196,6 +241,72 @@ AVX2_INLINE bool greyOf(__m256i a, __m256i b, __m256i c, __m256i d, unsigned cha
     return true;
 }
 
+using ThreeRegisters = std::array<std::array<unsigned char, 32>, 3>;
+
+/// All bits where a byte and the next must agree for pure greys; the last register starts one byte earlier, because
+/// nothing behind the last pixel may be read.
+constexpr ThreeRegisters comparedBytes()
+{
+    ThreeRegisters bytes{};
+    for (std::size_t i = 0; i < 32; ++i) {
+        bytes[0][i] = i % 3 == 2 ? 0 : 0xFF;
+        bytes[1][i] = (32 + i) % 3 == 2 ? 0 : 0xFF;
+        bytes[2][i] = (63 + i) % 3 == 2 ? 0 : 0xFF;
+    }
+    return bytes;
+}
+
+/// Where the first bytes of sixteen pixels are in three times sixteen bytes, for each half alike.
+constexpr ThreeRegisters firstBytes()
+{
+    ThreeRegisters places{};
+    for (std::size_t third = 0; third < 3; ++third) {
+        for (std::size_t i = 0; i < 32; ++i) {
+            const std::size_t from = i % Half * 3;
+            places[third][i] = static_cast<unsigned char>(from / 16 == third ? from % 16 : 0x80);
+        }
+    }
+    return places;
+}
+
+/**
+ * Grey values of steps that hold pure greys only, up to the first that does not: how many pixels these are.
+ *
+ * A function of its own, which leaves the registers of the other colours' loop alone.
+ */
+AVX2 __attribute__((noinline)) std::size_t greyOfPureGreys(const unsigned char* rgb, unsigned char* grey,
+                                                           std::size_t count)
+{
+    alignas(32) static constexpr ThreeRegisters Compared = comparedBytes();
+    alignas(32) static constexpr ThreeRegisters First = firstBytes();
+    const auto different = [&](std::size_t third, const unsigned char* bytes)
+        __attribute__((always_inline, target("avx2")))
+    {
+        return _mm256_and_si256(_mm256_xor_si256(load(bytes), load(bytes + 1)), load(Compared[third].data()));
+    };
+    const auto gathered = [&](std::size_t third, const unsigned char* bytes)
+        __attribute__((always_inline, target("avx2")))
+    {
+        return _mm256_shuffle_epi8(halves(bytes, bytes + 3 * Half), load(First[third].data()));
+    };
+    std::size_t done = 0;
+    for (; count - done >= Step; done += Step, rgb += 3 * Step) {
+        const __m256i any =
+            _mm256_or_si256(_mm256_or_si256(different(0, rgb), different(1, rgb + 32)), different(2, rgb + 63));
+        if (!_mm256_testz_si256(any, any))
+            break;
+        const __m256i values =
+            _mm256_or_si256(_mm256_or_si256(gathered(0, rgb), gathered(1, rgb + 16)), gathered(2, rgb + 32));
+        store(grey + done, _mm256_add_epi8(values, belowOf(values)));
+    }
+    return done;
+}
+
+bool isPureGrey(const unsigned char* rgb)
+{
+    return rgb[0] == rgb[1] && rgb[1] == rgb[2];
+}
+
 AVX2 void greyOfRgb(const unsigned char* rgb, unsigned char* grey, std::size_t count)
 {
     const PixelKernels::Operation exact = PixelKernels::ssse3()->m_pfnGreyOfRgb;
@@ -204,6 +315,14 @@ AVX2 void greyOfRgb(const unsigned char* rgb, unsigned char* grey, std::size_t c
         return halves(rgb + byte, rgb + 3 * Half + byte);
     };
     for (; count >= Step; count -= Step, rgb += 3 * Step, grey += Step) {
+        if (isPureGrey(rgb)) {
+            const std::size_t done = greyOfPureGreys(rgb, grey, count);
+            rgb += 3 * done;
+            grey += done;
+            count -= done;
+            if (count < Step)
+                break;
+        }
         // The last register ends with the sixteenth pixel: its pixels start at its byte 4.
         if (!greyOf<FourRgb<0>, FourRgb<4>>(from(0), from(12), from(24), from(32), grey))
             exact(rgb, grey, Step);

@@ -41,14 +41,15 @@ private:
 class Stopwatch
 {
 public:
-    explicit Stopwatch(bool active)
+    explicit Stopwatch(bool active) : m_bActive(active)
     {
         if (active)
             m_cTimer.start();
     }
-    qint64 elapsedMs() const { return m_cTimer.isValid() ? m_cTimer.elapsed() : 0; }
+    qint64 elapsedMs() const { return m_bActive ? m_cTimer.elapsed() : 0; }
 
 private:
+    bool m_bActive;
     QElapsedTimer m_cTimer;
 };
 
@@ -70,10 +71,27 @@ qint64 skippedTo(qint64 index, int n)
     return std::clamp(index - 1 + n, -Far, Far);
 }
 
-QByteArray optionFor(const TaskItem& item, int view)
+// What a step needs once stands in functions of its own: then little is left of a step that has everything.
+
+/// False when the algorithm does not exist. A miss is not kept: it is looked up again at the next pass.
+Q_NEVER_INLINE bool lookUpArithm(TaskItem& item)
 {
+    TaskItem::Prepared& prepared = item.m_cPrepared;
+    prepared.m_pcArithm = ArithmMgr::getInstance()->getArithm(item.m_strArithmID);
+    if (!prepared.m_pcArithm)
+        return false;
+    prepared.m_strArithmID = item.m_strArithmID;
+    prepared.m_bDrawing = prepared.m_pcArithm->getID() == QLatin1String(Drawing::getID());
+    return true;
+}
+
+Q_NEVER_INLINE void makeOption(TaskItem& item, int view)
+{
+    TaskItem::Prepared& prepared = item.m_cPrepared;
     const QByteArray option = item.m_strOption.toUtf8();
-    return view < 0 ? option : "<View>" + QByteArray::number(view) + "</View>" + option;
+    prepared.m_cUtf8 = view == TaskItem::NoView ? option : "<View>" + QByteArray::number(view) + "</View>" + option;
+    prepared.m_strOption = item.m_strOption;
+    prepared.m_nView = view;
 }
 
 }  // namespace
@@ -141,23 +159,13 @@ bool TaskInfo::obeyResult(QString result, const TaskItem& item, qint64& index, Q
     return false;
 }
 
-// A miss is not kept: it is looked up again at the next pass.
 bool TaskInfo::prepareStep(TaskItem& item)
 {
-    TaskItem::Prepared& prepared = item.m_cPrepared;
-    if (!prepared.m_pcArithm || !prepared.m_strArithmID.isSharedWith(item.m_strArithmID)) {
-        prepared.m_pcArithm = ArithmMgr::getInstance()->getArithm(item.m_strArithmID);
-        if (!prepared.m_pcArithm)
-            return false;
-        prepared.m_strArithmID = item.m_strArithmID;
-        prepared.m_bDrawing = prepared.m_pcArithm->getID() == QLatin1String(Drawing::getID());
-    }
-    const int view = prepared.m_bDrawing && !item.runsAtTaskEnd() ? clampedView() : -1;
-    if (prepared.m_nView == view && prepared.m_strOption.isSharedWith(item.m_strOption))
-        return true;
-    prepared.m_cUtf8 = optionFor(item, view);
-    prepared.m_strOption = item.m_strOption;
-    prepared.m_nView = view;
+    if (!item.hasArithm() && !lookUpArithm(item))
+        return false;
+    const int view = item.m_cPrepared.m_bDrawing && !item.runsAtTaskEnd() ? clampedView() : TaskItem::NoView;
+    if (!item.hasOption(view))
+        makeOption(item, view);
     return true;
 }
 

@@ -10,6 +10,7 @@ struct TaskItem
 {
     static constexpr int Unlimited = -1;         ///< Every negative count: runs in every pass.
     static constexpr int AtTaskEnd = 999999999;  ///< Never runs in a pass, but once when the task ends.
+    static constexpr int NoView = -1;            ///< The option text goes to the algorithm as it is.
 
     int m_nMaxExeTimes = Unlimited;  ///< How many passes of one run may run this step.
     int m_nExeTimes = 0;             ///< Passes that ran it since the counters were reset; never saved.
@@ -30,10 +31,16 @@ struct TaskItem
     {
         QString m_strArithmID;         ///< As it was looked up.
         QString m_strOption;           ///< As it was converted.
-        int m_nView = -1;              ///< The view in front of a drawing step's text; -1 for all other steps.
+        int m_nView = NoView;          ///< The view in front of a drawing step's text; none for all other steps.
         Arithm* m_pcArithm = nullptr;  ///< Not owned; null until the algorithm was found.
         bool m_bDrawing = false;       ///< It is the drawing algorithm.
         QByteArray m_cUtf8;            ///< The option text, view element included.
     };
     Prepared m_cPrepared;
+
+    bool hasArithm() const { return m_cPrepared.m_pcArithm && m_cPrepared.m_strArithmID.isSharedWith(m_strArithmID); }
+    bool hasOption(int view) const
+    {
+        return m_cPrepared.m_nView == view && m_cPrepared.m_strOption.isSharedWith(m_strOption);
+    }
 };

@@ -65,6 +65,14 @@ Bytes hardColours(std::size_t count, unsigned seed)
     return rgb;
 }
 
+Bytes pureGreys(std::size_t count)
+{
+    Bytes rgb;
+    for (std::size_t i = 0; i < count; ++i)
+        rgb.insert(rgb.end(), 3, static_cast<unsigned char>(i * 37));
+    return rgb;
+}
+
 void compare(const Bytes& rgb, const Bytes& grey, const Bytes& expected)
 {
     for (std::size_t i = 0; i < expected.size(); ++i) {
@@ -126,6 +134,35 @@ private Q_SLOTS:
             grey.assign(count + 1, 0xEE);
             form.m_pfnGreyOfBgrx(bgrx.data(), grey.data(), count);
             QCOMPARE(grey, expected);
+        }
+    }
+
+    void rowsOfPureGreysOfEveryLengthStayInsideTheirBytes_data() { addForms(); }
+    void rowsOfPureGreysOfEveryLengthStayInsideTheirBytes()
+    {
+        const PixelKernels& form = formOfRow();
+        for (std::size_t count = 0; count <= 300; ++count) {
+            const Bytes rgb = pureGreys(count);
+            Bytes expected = definedOf(rgb);
+            expected.push_back(0xEE);
+            Bytes grey(count + 1, 0xEE);
+            form.m_pfnGreyOfRgb(rgb.data(), grey.data(), count);
+            QCOMPARE(grey, expected);
+        }
+    }
+
+    void oneOtherColourAmongPureGreysIsFoundWhereverItIs_data() { addForms(); }
+    void oneOtherColourAmongPureGreysIsFoundWhereverItIs()
+    {
+        const PixelKernels& form = formOfRow();
+        constexpr std::size_t Count = 203;
+        const Bytes greys = pureGreys(Count);
+        for (std::size_t byte = 0; byte < greys.size(); ++byte) {
+            Bytes rgb = greys;
+            rgb[byte] ^= 0x80;  // changes the grey value, too, whichever byte it is
+            Bytes grey(Count);
+            form.m_pfnGreyOfRgb(rgb.data(), grey.data(), Count);
+            QCOMPARE(grey, definedOf(rgb));
         }
     }
 

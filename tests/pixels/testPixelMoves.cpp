@@ -103,13 +103,14 @@ private Q_SLOTS:
     {
         const PixelKernels& form = formOfRow();
         for (const Move& move : Moves) {
-            for (std::size_t count = 0; count <= 140; ++count) {
-                checkMove(form, move, count, count % 5);
-                if (QTest::currentTestFailed())
-                    return;
-            }
-            for (std::size_t offset = 0; offset < 33; ++offset)
+            for (std::size_t offset = 0; offset < 33; ++offset) {
+                for (std::size_t count = 0; count <= 140; ++count) {
+                    checkMove(form, move, count, offset);
+                    if (QTest::currentTestFailed())
+                        return;
+                }
                 checkMove(form, move, 1921, offset);
+            }
         }
     }
 
