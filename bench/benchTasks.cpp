@@ -33,7 +33,9 @@ namespace {
 constexpr QSize Small(64, 48);
 constexpr QSize Large(1280, 960);
 constexpr int MeasuredMs = 200;
+constexpr int ShortMs = 80;  // so that a round is over before the machine's speed has changed much
 constexpr int Rounds = 7;
+constexpr int ShortRounds = 41;
 constexpr int MostTasks = 64;
 
 double nowMs(clockid_t clock)
@@ -116,18 +118,18 @@ void wait(int ms)
 
 /// Counted by a function for a while, a second.
 template <typename Count>
-double rateOf(const Count& count)
+double rateOf(const Count& count, int ms)
 {
     const double begun = nowMs(CLOCK_MONOTONIC);
     const long long before = count();
-    QThread::msleep(MeasuredMs);
+    QThread::msleep(static_cast<unsigned long>(ms));
     return static_cast<double>(count() - before) * 1e3 / (nowMs(CLOCK_MONOTONIC) - begun);
 }
 
-double passesASecond(int count, const QSize& size)
+double passesASecond(int count, const QSize& size, int ms)
 {
     const Tasks tasks(count, size, false);
-    return rateOf([&tasks] { return tasks.passes(); });
+    return rateOf([&tasks] { return tasks.passes(); }, ms);
 }
 
 /// As many threads that do nothing but copy a picture to a place of their own.
@@ -147,7 +149,7 @@ double copiesASecond(int count, const QSize& size)
     }
     while (copies < 2 * count)
         QThread::msleep(1);
-    const double rate = rateOf([&copies] { return copies.load(); });
+    const double rate = rateOf([&copies] { return copies.load(); }, MeasuredMs);
     stop = true;
     for (std::thread& thread : threads)
         thread.join();
@@ -164,21 +166,30 @@ void printMemory()
     std::printf("picture %lld\n", static_cast<long long>(PictureLayout::colourBytes(Large.width(), Large.height())));
 }
 
-/// Each value as a line of its own, round by round in random order: what else the machine does meets them alike.
-void printPasses()
+/// Calls a function with each number of tasks, round by round in random order: what else the machine does meets them
+/// alike.
+template <typename Measure>
+void forEachCount(int rounds, const Measure& measure)
 {
     std::vector<int> counts;
     for (int count = 1; count <= MostTasks; count *= 2)
         counts.push_back(count);
     std::mt19937 random(1);
-    for (int round = 0; round < Rounds; ++round) {
+    for (int round = 0; round < rounds; ++round) {
         std::shuffle(counts.begin(), counts.end(), random);
-        for (const int count : counts) {
-            std::printf("passes_%d %.1f\n", count, passesASecond(count, Small));
-            std::printf("large_%d %.1f\n", count, passesASecond(count, Large));
-            std::printf("copies_%d %.1f\n", count, copiesASecond(count, Large));
-        }
+        std::for_each(counts.begin(), counts.end(), measure);
     }
+}
+
+/// Each value as a line of its own.
+void printPasses()
+{
+    forEachCount(ShortRounds,
+                 [](int count) { std::printf("passes_%d %.1f\n", count, passesASecond(count, Small, ShortMs)); });
+    forEachCount(Rounds, [](int count) {
+        std::printf("large_%d %.1f\n", count, passesASecond(count, Large, MeasuredMs));
+        std::printf("copies_%d %.1f\n", count, copiesASecond(count, Large));
+    });
 }
 
 /// Milliseconds a second that the window's thread works while four tasks draw onto views that are not shown.

@@ -8,6 +8,7 @@
 
 #include <QImage>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -103,11 +104,13 @@ public:
         int value = 0;
         for (Pixel& colour : m_aColours)
             colour = pixelOf(overlay.colourOf(value++));
-        if (overlay.m_eColours == GreyOverlay::Colours::OneColour) {
-            const std::vector<unsigned char> anyGrey(count);
+        const bool isOne = overlay.m_eColours == GreyOverlay::Colours::OneColour;
+        if (isOne)
             m_aColours.fill(pixelOf(overlay.m_nColour));
-            fill(anyGrey.data());
-        }
+        std::transform(m_aColours.begin(), m_aColours.end(), m_aBehind.begin(),
+                       [](Pixel colour) { return std::uint64_t{colour} << 24; });
+        if (isOne)
+            fill(std::vector<unsigned char>(count).data());
     }
 
     /// Valid until the next call; colours of values that are not shown are of no account.
@@ -130,22 +133,29 @@ private:
     }
 
     /// Two pixels with one store, whose last two bytes the next one overwrites.
-    void fill(const unsigned char* grey)
+    void storePair(const unsigned char* grey, unsigned char* target) const
     {
         static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "the lower pixel stands in front");
-        const Pixel* const colours = m_aColours.data();
+        const std::uint64_t pair = m_aColours[grey[0]] | m_aBehind[grey[1]];
+        std::memcpy(target, &pair, sizeof pair);
+    }
+
+    void fill(const unsigned char* grey)
+    {
         unsigned char* target = m_vecRgb.data();
-        for (const unsigned char* const end = grey + m_nCount / 2 * 2; grey < end; grey += 2, target += 6) {
-            const std::uint64_t pair = colours[grey[0]] | static_cast<std::uint64_t>(colours[grey[1]]) << 24;
-            std::memcpy(target, &pair, sizeof pair);
+        const unsigned char* const end = grey + m_nCount;
+        for (; end - grey >= 4; grey += 4, target += 12) {
+            storePair(grey, target);
+            storePair(grey + 2, target + 6);
         }
-        if (m_nCount % 2 > 0)
-            std::memcpy(target, &colours[*grey], 3);
+        for (; grey < end; ++grey, target += 3)
+            std::memcpy(target, &m_aColours[*grey], 3);
     }
 
     const GreyOverlay& m_cOverlay;
     std::size_t m_nCount;
-    std::array<Pixel, 256> m_aColours;  ///< By grey value.
+    std::array<Pixel, 256> m_aColours;         ///< By grey value.
+    std::array<std::uint64_t, 256> m_aBehind;  ///< The same as they stand behind another pixel.
     std::vector<unsigned char> m_vecRgb;
 };
 
