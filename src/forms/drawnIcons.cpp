@@ -26,9 +26,7 @@ public:
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override
     {
         const qreal density = painter->device()->devicePixelRatioF();
-        QPixmap picture = pixmap((QSizeF(rect.size()) * density).toSize(), mode, state);
-        picture.setDevicePixelRatio(density);
-        painter->drawPixmap(rect, picture);
+        painter->drawPixmap(rect, pixmap((QSizeF(rect.size()) * density).toSize(), mode, state));
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override
@@ -38,10 +36,7 @@ public:
         QPixmap picture(size);
         picture.fill(Qt::transparent);
         drawInto(picture);
-        if (mode == QIcon::Normal)
-            return picture;
-        QStyleOption option;
-        option.palette = QGuiApplication::palette();
+        const QStyleOption option;
         return QApplication::style()->generatedIconPixmap(mode, picture, &option);
     }
 

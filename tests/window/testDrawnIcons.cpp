@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QPainter>
+#include <QScopeGuard>
 #include <QStyleFactory>
 #include <QStyleOption>
 #include <QToolBar>
@@ -20,6 +21,8 @@ private Q_SLOTS:
     void windowShowsWithoutLoadingPictureFormats();
     void programsIconLooksAsTheInstalledOne_data();
     void programsIconLooksAsTheInstalledOne();
+    void iconHasShapesAndColoursOfTheFileItWasDesignedIn_data();
+    void iconHasShapesAndColoursOfTheFileItWasDesignedIn();
     void iconIsDrawnAtItsSizeWithNothingCutOff_data();
     void iconIsDrawnAtItsSizeWithNothingCutOff();
     void noTwoIconsLookAlike();
@@ -29,7 +32,7 @@ private Q_SLOTS:
     void copyOfAnIconDrawsTheSame();
     void barThatIsTooNarrowShowsADrawnDoubleArrow();
     void doubleArrowPointsToWhereTheTextsGo();
-    void noSizeGivesNoPicture();
+    void noSizeGivesNoPictureAndNoWarning();
     void allOtherPicturesOfTheStyleAreAsBefore();
 };
 
@@ -69,6 +72,22 @@ QRect inked(const QImage& image)
             if (image.pixelColor(x, y).alpha() > 0)
                 found |= QRect(x, y, 1, 1);
         }
+    }
+    return found;
+}
+
+/// The colours of areas: opaque ones that more than a few pixels have.
+QSet<QRgb> areaColours(const QImage& image)
+{
+    QHash<QRgb, int> counts;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            ++counts[image.pixel(x, y)];
+    }
+    QSet<QRgb> found;
+    for (auto it = counts.begin(); it != counts.end(); ++it) {
+        if (qAlpha(it.key()) == 255 && it.value() > image.width() / 4)
+            found.insert(it.key());
     }
     return found;
 }
@@ -116,6 +135,28 @@ void TestDrawnIcons::programsIconLooksAsTheInstalledOne()
     QCOMPARE(installed.size(), QSize(side, side));
     QVERIFY2(difference(drawn, installed) < 1, qPrintable(QString::number(difference(drawn, installed))));
     QVERIFY(difference(drawn, imageOf(DrawnIcons::memoryDisks(), side)) > 50);  // Others are far away.
+}
+
+void TestDrawnIcons::iconHasShapesAndColoursOfTheFileItWasDesignedIn_data()
+{
+    QTest::addColumn<int>("index");
+    QTest::addColumn<QString>("file");
+    int index = 0;
+    for (const char* name : {"lumivant", "new", "open", "save", "saveAs", "add", "delete", "memory"})
+        QTest::newRow(name) << index++ << QStringLiteral(":/%1.svg").arg(QLatin1String(name));
+}
+
+void TestDrawnIcons::iconHasShapesAndColoursOfTheFileItWasDesignedIn()
+{
+    QFETCH(int, index);
+    QFETCH(QString, file);
+    constexpr int Side = 96;
+    const QImage drawn = imageOf(Icons[index](), Side);
+    const QImage designed = imageOf(QIcon(file), Side);
+    QCOMPARE(areaColours(drawn), areaColours(designed));
+    QVERIFY(!areaColours(designed).isEmpty());
+    const double off = difference(drawn, designed);
+    QVERIFY2(off < 0.2, qPrintable(QString::number(off)));
 }
 
 void TestDrawnIcons::iconIsDrawnAtItsSizeWithNothingCutOff_data()
@@ -223,10 +264,15 @@ void TestDrawnIcons::doubleArrowPointsToWhereTheTextsGo()
     QVERIFY(difference(right.mirrored(true, false), left) < 1);
 }
 
-void TestDrawnIcons::noSizeGivesNoPicture()
+void TestDrawnIcons::noSizeGivesNoPictureAndNoWarning()
 {
+    static int s_nWarnings = 0;
+    const QtMessageHandler before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++s_nWarnings; });
+    const auto restore = qScopeGuard([before] { qInstallMessageHandler(before); });
     for (const QSize& size : {QSize(), QSize(0, 0), QSize(-1, 4), QSize(4, 0)})
         QVERIFY(DrawnIcons::addTask().pixmap(size).isNull());
+    QCOMPARE(s_nWarnings, 0);
 }
 
 void TestDrawnIcons::allOtherPicturesOfTheStyleAreAsBefore()
