@@ -32,11 +32,13 @@ void copyRgb(const unsigned char* rgb, unsigned char* target, std::size_t count)
 
 std::array<unsigned char, 256> makeGreyOfGrey()
 {
-    std::array<unsigned char, 256 * 3> greys;
-    for (std::size_t i = 0; i < greys.size(); ++i)
-        greys[i] = static_cast<unsigned char>(i / 3);
     std::array<unsigned char, 256> results;
-    Pixels::greyOfRgb(greys.data(), results.data(), results.size());
+    unsigned char value = 0;
+    for (unsigned char& result : results) {
+        const unsigned char grey[] = {value, value, value};
+        Pixels::greyOfRgb(grey, &result, 1);
+        ++value;
+    }
     return results;
 }
 

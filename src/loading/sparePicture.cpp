@@ -38,7 +38,7 @@ public:
     void expect(bool grey, std::int64_t bytes)
     {
         std::size_t& largest = m_anLargest.at(grey ? 1 : 0);
-        largest = std::max(largest, static_cast<std::size_t>(std::max<std::int64_t>(bytes, 0)));
+        largest = std::max(largest, static_cast<std::size_t>(bytes));
         if (++m_nPictures < SparePicture::LookEvery)
             return;
         letGoAbove(false, 2 * m_anLargest[0] + Slack);

@@ -67,6 +67,14 @@ QByteArray oldestBitmap()
     return bytes + QByteArray(36, '\x40');
 }
 
+/// 64 x 32 pixels of one bit; taken for the list of an icon it leads to a picture of absurd size.
+QByteArray wirelessBitmap()
+{
+    QByteArray bytes = QByteArray::fromHex("00004020") + QByteArray(64 * 32 / 8, '\x40');
+    qToLittleEndian<quint32>(22, bytes.data() + 18);
+    return bytes;
+}
+
 QByteArray hugeBlackAndWhitePng(int width, int height)
 {
     QImage picture(width, height, QImage::Format_Mono);
@@ -87,6 +95,14 @@ QByteArray gif(quint16 width, quint16 height)
     return bytes;
 }
 
+/// A picture of an icon file, as a bitmap without its file header, with as many bytes behind as 16 x 16 pixels have.
+QByteArray iconBitmap(qint32 width, qint32 height)
+{
+    QByteArray bytes = bitmap(width, 2 * height, 32, 0, 16 * 16 * 5).mid(14);  // its mask counts as rows
+    qToLittleEndian<quint16>(0, bytes.data() + 12);                            // planes, which nobody looks at
+    return bytes;
+}
+
 /// An icon file that lists a picture of 16x16 pixels.
 QByteArray icon(const QByteArray& picture)
 {
@@ -95,6 +111,14 @@ QByteArray icon(const QByteArray& picture)
         "10100000010020000000000016000000");
     qToLittleEndian<quint32>(static_cast<quint32>(picture.size()), list.data() + 14);
     return list + picture;
+}
+
+/// Some bytes lie between the list and the picture.
+QByteArray spacedIcon(const QByteArray& picture)
+{
+    QByteArray bytes = icon(picture).insert(22, "anything");
+    qToLittleEndian<quint32>(30, bytes.data() + 18);
+    return bytes;
 }
 
 /// The most that the process has had mapped so far.
@@ -162,12 +186,16 @@ private Q_SLOTS:
         QTest::newRow("bmp of the smallest height")
             << bitmap(5, std::numeric_limits<qint32>::min(), 24, 0, 300) << "a.bmp";
         QTest::newRow("small gif on a huge canvas") << gif(9000, 9000) << "a.gif";
+        QTest::newRow("small gif on a huge canvas of round numbers") << gif(0x2400, 0x2000) << "a.gif";
         QTest::newRow("small gif on a huge canvas, called png") << gif(9000, 9000) << "a.png";
         QTest::newRow("small gif of no known version on a huge canvas") << changed(gif(9000, 9000), 4, '?') << "a.gif";
         QTest::newRow("what is only called gif, on a huge canvas") << changed(gif(9000, 9000), 2, '?') << "a.GIF";
         QTest::newRow("gif, half a header") << gif(5, 5).left(9) << "a.gif";
         QTest::newRow("small icon that is a huge png") << icon(hugeBlackAndWhitePng(8193, 8192)) << "a.ico";
+        QTest::newRow("small icon that says it is huge") << icon(iconBitmap(9000, 8320)) << "a.ico";
         QTest::newRow("icon without a picture") << icon({}) << "a.ico";
+        QTest::newRow("icon with half a header") << icon(QByteArray(10, 'x')) << "a.ico";
+        QTest::newRow("icon with a header only") << icon(iconBitmap(16, 16).left(24)) << "a.ico";
         QTest::newRow("png that is huge") << hugeBlackAndWhitePng(8193, 8192) << "a.png";
     }
 
@@ -200,7 +228,11 @@ private Q_SLOTS:
         QCOMPARE(PictureReader::read(folder.write(gif(30, 20), "a.gif")).size(), QSize(30, 20));
         const QImage picture = numberedPicture(40, 30);
         QCOMPARE(PictureReader::read(folder.save(picture, "b.ico")).size(), QSize(40, 30));
+        QCOMPARE(PictureReader::read(folder.write(icon(iconBitmap(16, 16)), "f.ico")).size(), QSize(16, 16));
         QCOMPARE(PictureReader::read(folder.write(icon(encoded(picture, "png")), "c.ico")).size(), QSize(40, 30));
+        QCOMPARE(PictureReader::read(folder.write(spacedIcon(encoded(picture, "png")), "e.ico")).size(), QSize(40, 30));
+        const QByteArray wide = icon(hugeBlackAndWhitePng(16384, 512));
+        QCOMPARE(PictureReader::read(folder.write(wide, "d.ico")).size(), QSize(16384, 512));
     }
 
     void pictureThatIsOnlyCalledGifIsRead()
@@ -260,6 +292,7 @@ private Q_SLOTS:
         const Folder folder;
         const QString path = folder.write(hugeBlackAndWhitePng(8192, 8192), "largest.png");
         QCOMPARE(PictureReader::read(path).size(), QSize(8192, 8192));
+        QCOMPARE(PictureReader::read(folder.write(gif(8192, 8192), "largest.gif")).size(), QSize(8192, 8192));
     }
 
     void smallestPictureThatQtDecodesIsLoadedIntoItsRecordAlone()
@@ -321,6 +354,7 @@ private Q_SLOTS:
         QTest::newRow("bitmap with bytes behind it") << bitmap(4, 3, 24, 0, 99) << QSize(4, 3);
         QTest::newRow("jpg with bytes behind it") << jpg + QByteArray(500, 'x') << QSize(40, 30);
         QTest::newRow("two jpgs in one file") << jpg + jpg << QSize(40, 30);
+        QTest::newRow("wireless bitmap, which begins as an icon does") << wirelessBitmap() << QSize(64, 32);
         QTest::newRow("png under a foreign suffix") << encoded(numberedPicture(6, 5), "png") << QSize(6, 5);
     }
 

@@ -1,4 +1,5 @@
 #include "loading/pictureConvert.h"
+#include "memoryLimit.h"
 #include "paramStore/pictureLayout.h"
 
 #include <QImage>
@@ -40,6 +41,8 @@ QImage randomPicture(QImage::Format format, int width, int height)
     return picture;
 }
 
+constexpr unsigned char Behind = 0xEE;  // stands where nothing may be written
+
 /// Checks both records against Qt's own conversion of the whole picture.
 void checkAgainstQt(const QImage& picture)
 {
@@ -48,8 +51,12 @@ void checkAgainstQt(const QImage& picture)
     const auto stride = static_cast<std::size_t>(PictureLayout::colourStride(width));
     Bytes colour(static_cast<std::size_t>(PictureLayout::colourBytes(width, height)));
     Bytes grey(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    colour.push_back(Behind);
+    grey.push_back(Behind);
     QVERIFY(PictureConvert::copyAsColour(picture, colour.data()));
     QVERIFY(PictureConvert::copyAsGrey(picture, grey.data()));
+    QCOMPARE(colour.back(), Behind);
+    QCOMPARE(grey.back(), Behind);
     const QImage expected = picture.convertToFormat(QImage::Format_RGB888);
     for (int y = 0; y < height; ++y) {
         const unsigned char* row = expected.constScanLine(y);
@@ -94,7 +101,8 @@ private Q_SLOTS:
     void everyFormatGivesWhatQtMakesOfIt()
     {
         QFETCH(int, format);
-        const QSize sizes[] = {{1, 1}, {2, 3}, {3, 2}, {5, 7}, {15, 2}, {16, 3}, {17, 2}, {33, 5}, {1021, 15}};
+        const QSize sizes[] = {{1, 1},  {2, 3},  {3, 2},  {5, 7},     {15, 2},
+                               {16, 3}, {17, 2}, {33, 5}, {1021, 15}, {1024, 16}};
         for (const QSize& size : sizes) {
             checkAgainstQt(randomPicture(static_cast<QImage::Format>(format), size.width(), size.height()));
             if (QTest::currentTestFailed())
@@ -140,6 +148,30 @@ private Q_SLOTS:
         Bytes grey(10);
         QVERIFY(PictureConvert::copyAsGrey(picture, grey.data()));
         QCOMPARE(grey, (Bytes{0, 28, 56, 84, 112, 140, 168, 196, 224, 252}));
+    }
+
+    void pictureOfASingleColourHasThatColour()
+    {
+        QImage picture(9, 4, QImage::Format_Mono);
+        picture.setColorTable({0xFF102030});
+        picture.fill(0);
+        checkAgainstQt(picture);
+        Bytes colour(static_cast<std::size_t>(PictureLayout::colourBytes(9, 4)));
+        QVERIFY(PictureConvert::copyAsColour(picture, colour.data()));
+        QCOMPARE(Bytes(colour.begin(), colour.begin() + 3), (Bytes{0x10, 0x20, 0x30}));
+    }
+
+    void rowThatMemoryDoesNotSufficeForIsTold()
+    {
+        if (!MemoryLimit::works())
+            QSKIP("a sanitizer needs the address space that the test takes away");
+        constexpr int Width = 16 * 1024 * 1024;
+        QImage picture(Width, 1, QImage::Format_RGB16);
+        picture.fill(0);
+        Bytes target(3 * std::size_t{Width});
+        const MemoryLimit limit(std::size_t{20} << 20);  // Qt's copy of the row takes 48 MiB
+        QVERIFY(!PictureConvert::copyAsColour(picture, target.data()));
+        QVERIFY(!PictureConvert::copyAsGrey(picture, target.data()));
     }
 
     void rowsOfAForeignPitchAreTaken()
