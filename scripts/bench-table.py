@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Prints one table: bench-table.py [--markdown] BENCH_JSON LINES…
+"""Prints one table: bench-table.py [--markdown] JSON… LINES…
 
-BENCH_JSON is what the benchmarks wrote, LINES are files of "name value" lines of the programs that measure by
+Each JSON is what the benchmarks wrote, LINES are files of "name value" lines of the programs that measure by
 themselves. docs/performance.md explains each row.
 """
 import json
@@ -60,9 +60,11 @@ def shown(value, unit="ns"):
 class Times:
     """Medians of the benchmarks by name, how far their repetitions lie apart, and what they counted."""
 
-    def __init__(self, path):
-        with open(path) as file:
-            runs = [run for run in json.load(file)["benchmarks"] if not run.get("error_occurred")]
+    def __init__(self, paths):
+        runs = []
+        for path in paths:
+            with open(path) as file:
+                runs += [run for run in json.load(file)["benchmarks"] if not run.get("error_occurred")]
         self.median, self.spread, self.counted = {}, {}, {}
         for run in runs:
             name = run["run_name"].replace("/manual_time", "")
@@ -234,8 +236,9 @@ def cells(row):
 
 
 def main():
-    arguments = [argument for argument in sys.argv[1:] if argument != "--markdown"]
-    time, lines = Times(arguments[0]), read_lines(arguments[1:])
+    paths = [argument for argument in sys.argv[1:] if argument != "--markdown"]
+    time = Times([path for path in paths if path.endswith(".json")])
+    lines = read_lines([path for path in paths if not path.endswith(".json")])
     rows = [*step_rows(time), *hand_off_rows(time), *drawing_rows(time), *pixel_rows(time), *file_rows(time),
             *text_rows(time), *window_rows(time), *start_rows(lines), *task_rows(lines)]
     table = [HEADS, *map(cells, rows)]
