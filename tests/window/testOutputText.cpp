@@ -1,4 +1,5 @@
 #include "outputLine.h"
+#include "windowMessages.h"
 
 #include <QLabel>
 #include <QTimer>
@@ -38,6 +39,7 @@ class TestOutputText : public QObject
 
 private Q_SLOTS:
     void longTextEndsInDots();
+    void textOfManyLinesEndsInDotsBehindTheLastThatIsShown();
     void textOfTheWindowsThreadIsShownOnce();
     void clearedTextDoesNotComeBack();
     void replacedLineTakesNothingFromTheNewOne();
@@ -59,6 +61,15 @@ void TestOutputText::longTextEndsInDots()
     QTRY_COMPARE(label.text(), longest);
     printInThread(longest + QStringLiteral("yz"));
     QTRY_COMPARE(label.text(), longest + QChar(0x2026));
+}
+
+void TestOutputText::textOfManyLinesEndsInDotsBehindTheLastThatIsShown()
+{
+    const QString dots(QChar(0x2026));
+    QCOMPARE(WindowMessages::readable("a\nb\nc", 100, 2), "a\nb" + dots);
+    QCOMPARE(WindowMessages::readable("a\nb", 100, 2), QString("a\nb"));
+    QCOMPARE(WindowMessages::readable("\nb\nc", 100, 2), "\nb" + dots);  // the first line is empty
+    QCOMPARE(WindowMessages::readable("a\nbcd\ne", 4, 2), "a\nbc" + dots);
 }
 
 void TestOutputText::textOfTheWindowsThreadIsShownOnce()
