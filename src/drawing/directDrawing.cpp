@@ -8,7 +8,6 @@
 
 #include <QImage>
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -101,14 +100,11 @@ public:
     OverlayColours(const GreyOverlay& overlay, std::size_t count)
         : m_cOverlay(overlay), m_nCount(count), m_vecRgb(3 * count + 2)
     {
-        int value = 0;
-        for (Pixel& colour : m_aColours)
-            colour = pixelOf(overlay.colourOf(value++));
         const bool isOne = overlay.m_eColours == GreyOverlay::Colours::OneColour;
-        if (isOne)
-            m_aColours.fill(pixelOf(overlay.m_nColour));
-        std::transform(m_aColours.begin(), m_aColours.end(), m_aBehind.begin(),
-                       [](Pixel colour) { return std::uint64_t{colour} << 24; });
+        for (std::size_t value = 0; value < Values; ++value) {
+            m_aColours[value] = pixelOf(isOne ? overlay.m_nColour : overlay.colourOf(static_cast<int>(value)));
+            m_aBehind[value] = std::uint64_t{m_aColours[value]} << 24;
+        }
         if (isOne)
             fill(std::vector<unsigned char>(count).data());
     }
@@ -126,6 +122,8 @@ public:
 private:
     /// Red, green and blue from the lowest byte on, as they stand in memory.
     using Pixel = std::uint32_t;
+
+    static constexpr std::size_t Values = 256;  ///< Of a grey pixel.
 
     static Pixel pixelOf(QRgb colour)
     {
@@ -154,8 +152,8 @@ private:
 
     const GreyOverlay& m_cOverlay;
     std::size_t m_nCount;
-    std::array<Pixel, 256> m_aColours;         ///< By grey value.
-    std::array<std::uint64_t, 256> m_aBehind;  ///< The same as they stand behind another pixel.
+    std::array<Pixel, Values> m_aColours;         ///< By grey value.
+    std::array<std::uint64_t, Values> m_aBehind;  ///< The same as they stand behind another pixel.
     std::vector<unsigned char> m_vecRgb;
 };
 

@@ -74,7 +74,7 @@ AVX2_INLINE __m256i beforeFirst(const unsigned char* source)
     return _mm256_set_m128i(second, _mm_slli_si128(first, 2));
 }
 
-/// Exchanges a step's pixels, in place, too; what starts two bytes before the next step as it was.
+/// Exchanges a step's pixels, in place, too; returns what starts two bytes before the next step, as it was.
 AVX2_INLINE __m256i exchangeStep(__m256i before, const unsigned char* source, unsigned char* target)
 {
     const __m256i a = exchanged<0>(before, load(source + 2));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "globalFunction.h"
 #include "pluginFolders.h"
 #include "taskMgr/taskInfo.h"
 
@@ -270,6 +271,13 @@ inline QAction* entry(const QMenu* menu, const QString& caption)
             return action;
     }
     return nullptr;
+}
+
+/// How many options wait to be drawn onto a view.
+inline int queuedFor(int view)
+{
+    const ViewRecord record(view);
+    return record ? record->m_nCount : -1;
 }
 
 inline void selectRow(const Tab& tab, int row)

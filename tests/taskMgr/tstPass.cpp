@@ -45,12 +45,6 @@ void keepState(QString)
     s_lstStates += Probes::trace() + QLatin1Char(' ') + QString::number(Probes::sourceCalls("stop"));
 }
 
-int queuedFor(int view)
-{
-    const ViewRecord record(view);
-    return record ? record->m_nCount : -1;
-}
-
 }  // namespace
 
 class tstPass : public QObject

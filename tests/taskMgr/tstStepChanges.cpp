@@ -15,6 +15,7 @@ private Q_SLOTS:
     void cleanupTestCase();
 
     void stepWhoseAlgorithmIsExchangedRunsTheOther();
+    void drawingStepThatBecomesAnEndStepLosesTheTasksView();
     void identifiersThatASourceTextNamesAreNotGivenAgain();
     void identifierOneOfAnOptionIsNotGivenAgain();
     void runningTaskThatIsDeletedStopsFirst();
@@ -31,6 +32,8 @@ void tstStepChanges::init()
 {
     Probes::reset();
     Reports::clear();
+    for (int view = 0; view < 4; ++view)
+        GlobalFunction::getInstance()->addView(view, nullptr);
 }
 
 void tstStepChanges::cleanupTestCase()
@@ -50,6 +53,23 @@ void tstStepChanges::stepWhoseAlgorithmIsExchangedRunsTheOther()
     QVERIFY(pass(*task));
 
     QCOMPARE(Probes::trace(), QStringLiteral("a,a"));
+}
+
+void tstStepChanges::drawingStepThatBecomesAnEndStepLosesTheTasksView()
+{
+    TaskItem drawing;
+    drawing.m_strArithmID = QStringLiteral("KW_Drawing");
+    drawing.m_strOption = QStringLiteral("<View>1</View><DataType>3</DataType><DataID>5</DataID>");
+    auto task = makeTask({drawing});
+    task->ViewSelected(2);
+    QVERIFY(pass(*task));
+    QCOMPARE(queuedFor(2), 1);
+
+    task->getTaskItem().first().m_nMaxExeTimes = TaskItem::AtTaskEnd;
+    task->runTaskOnce();
+
+    QCOMPARE(queuedFor(1), 1);
+    QCOMPARE(queuedFor(2), 1);
 }
 
 void tstStepChanges::identifiersThatASourceTextNamesAreNotGivenAgain()
