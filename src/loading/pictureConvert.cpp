@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <numeric>
 
 namespace {
 
@@ -30,22 +31,22 @@ void copyRgb(const unsigned char* rgb, unsigned char* target, std::size_t count)
     std::memcpy(target, rgb, count * 3);
 }
 
-std::array<unsigned char, 256> makeGreyOfGrey()
+using GreyTable = std::array<unsigned char, 256>;
+
+GreyTable makeGreyOfGrey()
 {
-    std::array<unsigned char, 256> results;
-    unsigned char value = 0;
-    for (unsigned char& result : results) {
-        const unsigned char grey[] = {value, value, value};
-        Pixels::greyOfRgb(grey, &result, 1);
-        ++value;
-    }
-    return results;
+    GreyTable values;
+    std::iota(values.begin(), values.end(), static_cast<unsigned char>(0));
+    std::array<unsigned char, 3 * values.size()> rgb;
+    Pixels::rgbOfGrey(values.data(), rgb.data(), values.size());
+    Pixels::greyOfRgb(rgb.data(), values.data(), values.size());
+    return values;
 }
 
 /// The grey value of three equal bytes is one less for some.
 void greyOfGrey(const unsigned char* grey, unsigned char* target, std::size_t count)
 {
-    static const std::array<unsigned char, 256> table = makeGreyOfGrey();
+    static const GreyTable table = makeGreyOfGrey();
     for (std::size_t i = 0; i < count; ++i)
         target[i] = table[grey[i]];
 }
