@@ -1,6 +1,8 @@
 #include "pixelSupport.h"
 #include "pixels/pixels.h"
 
+#include <algorithm>
+
 using namespace PixelSupport;
 
 namespace {
@@ -62,6 +64,20 @@ private Q_SLOTS:
         for (std::size_t byte = 0; byte < greys.size(); ++byte) {
             Bytes rgb = greys;
             rgb[byte] ^= 0x80;  // changes the grey value, too, whichever byte it is
+            Bytes grey(Count);
+            form.m_pfnGreyOfRgb(rgb.data(), grey.data(), Count);
+            QCOMPARE(grey, definedOf(rgb));
+        }
+    }
+
+    void edgeBetweenTwoGreysThatRunsThroughAPixelIsFoundWhereverItIs_data() { addForms(); }
+    void edgeBetweenTwoGreysThatRunsThroughAPixelIsFoundWhereverItIs()
+    {
+        const PixelKernels& form = formOfRow();
+        constexpr std::size_t Count = 203;
+        for (std::size_t edge = 0; edge <= 3 * Count; ++edge) {
+            Bytes rgb(3 * Count, 200);
+            std::fill_n(rgb.begin(), edge, static_cast<unsigned char>(100));
             Bytes grey(Count);
             form.m_pfnGreyOfRgb(rgb.data(), grey.data(), Count);
             QCOMPARE(grey, definedOf(rgb));
