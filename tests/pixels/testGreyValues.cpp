@@ -70,17 +70,22 @@ private Q_SLOTS:
         }
     }
 
-    void edgeBetweenTwoGreysThatRunsThroughAPixelIsFoundWhereverItIs_data() { addForms(); }
-    void edgeBetweenTwoGreysThatRunsThroughAPixelIsFoundWhereverItIs()
+    void pixelOfTwoGreysBetweenThemIsFoundWhereverItIs_data() { addForms(); }
+    void pixelOfTwoGreysBetweenThemIsFoundWhereverItIs()
     {
         const PixelKernels& form = formOfRow();
         constexpr std::size_t Count = 203;
-        for (std::size_t edge = 0; edge <= 3 * Count; ++edge) {
-            Bytes rgb(3 * Count, 200);
-            std::fill_n(rgb.begin(), edge, static_cast<unsigned char>(100));
-            Bytes grey(Count);
-            form.m_pfnGreyOfRgb(rgb.data(), grey.data(), Count);
-            QCOMPARE(grey, definedOf(rgb));
+        constexpr unsigned char Values[] = {100, 200};
+        for (std::size_t place = 0; place < Count; ++place) {
+            for (unsigned chosen = 0; chosen < 8; ++chosen) {
+                Bytes rgb(3 * Count, Values[1]);
+                std::fill_n(rgb.begin(), 3 * place, Values[0]);
+                for (unsigned byte = 0; byte < 3; ++byte)
+                    rgb[3 * place + byte] = Values[chosen >> byte & 1];
+                Bytes grey(Count);
+                form.m_pfnGreyOfRgb(rgb.data(), grey.data(), Count);
+                QCOMPARE(grey, definedOf(rgb));
+            }
         }
     }
 
