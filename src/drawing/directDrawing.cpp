@@ -130,22 +130,25 @@ private:
         return static_cast<Pixel>(qRed(colour) | qGreen(colour) << 8 | qBlue(colour) << 16);
     }
 
-    /// Two pixels with one store, whose last two bytes the next one overwrites.
-    void storePair(const unsigned char* grey, unsigned char* target) const
+    /// Eight pixels, of values that are read at once; two with each store, whose last two bytes the next one
+    /// overwrites.
+    void storeEight(const unsigned char* grey, unsigned char* target) const
     {
-        static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "the lower pixel stands in front");
-        const std::uint64_t pair = m_aColours[grey[0]] | m_aBehind[grey[1]];
-        std::memcpy(target, &pair, sizeof pair);
+        static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "the first value is the lowest byte, the lower pixel in front");
+        std::uint64_t values = 0;
+        std::memcpy(&values, grey, sizeof values);
+        for (int pair = 0; pair < 4; ++pair, values >>= 16) {
+            const std::uint64_t two = m_aColours[values & 0xFF] | m_aBehind[values >> 8 & 0xFF];
+            std::memcpy(target + 6 * pair, &two, sizeof two);
+        }
     }
 
     void fill(const unsigned char* grey)
     {
         unsigned char* target = m_vecRgb.data();
         const unsigned char* const end = grey + m_nCount;
-        for (; end - grey >= 4; grey += 4, target += 12) {
-            storePair(grey, target);
-            storePair(grey + 2, target + 6);
-        }
+        for (; end - grey >= 8; grey += 8, target += 24)
+            storeEight(grey, target);
         for (; grey < end; ++grey, target += 3)
             std::memcpy(target, &m_aColours[*grey], 3);
     }

@@ -2,9 +2,20 @@
 
 #include <cstring>
 
+namespace {
+
+/// What Qt says of two views, without telling which is less.
+bool isSame(QStringView one, QStringView other)
+{
+    const auto bytes = sizeof(QChar) * static_cast<std::size_t>(one.size());
+    return one.size() == other.size() && (bytes == 0 || std::memcmp(one.data(), other.data(), bytes) == 0);
+}
+
+}  // namespace
+
 int LaidOutText::RepeatedNumber::of(QStringView text)
 {
-    if (text != m_strText) {
+    if (!isSame(text, m_strText)) {
         m_strText = text.toString();
         m_nValue = m_strText.toInt(nullptr, 10);
     }
@@ -13,7 +24,7 @@ int LaidOutText::RepeatedNumber::of(QStringView text)
 
 const QString& LaidOutText::RepeatedText::of(QStringView text)
 {
-    if (text != m_strText)
+    if (!isSame(text, m_strText))
         m_strText = text.isEmpty() ? QString() : text.toString();
     return m_strText;
 }
