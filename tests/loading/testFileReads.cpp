@@ -8,6 +8,7 @@
 #include <limits>
 
 #include <sys/uio.h>
+#include <unistd.h>  // gives the function the name that programs with large files call
 
 using namespace DirectSupport;
 using namespace PictureSupport;
