@@ -152,9 +152,10 @@ private:
     bool runStep(qint64& index, QString& message, bool showTime);
     bool prepareStep(TaskItem& item);               ///< False when the algorithm does not exist.
     const char* executeStep(const TaskItem& item);  ///< Of a prepared step; the algorithm's own text or null.
+    const char* executeTimed(const TaskItem& item, qint64& ms);
 
     /// Reads the commands in the result text of a step; false when the pass is to end.
-    bool obeyResult(QString result, const TaskItem& item, qint64& index, QString& message);
+    bool obeyResult(const char* text, const TaskItem& item, qint64& index, QString& message);
     bool obeyCommands(QString& result, qint64& index);  ///< False when the task is to stop.
     void obeyPrints(QString& result);                   ///< All that an end-of-task step may command.
     void runTaskEndSteps(QString& message, ErrorWording wording);

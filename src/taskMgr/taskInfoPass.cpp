@@ -94,6 +94,11 @@ Q_NEVER_INLINE void makeOption(TaskItem& item, int view)
     prepared.m_nView = view;
 }
 
+Q_NEVER_INLINE void sayNotExisted(const TaskItem& item, QString& message)
+{
+    message = TaskMessages::arithmNotExisted(item.m_strArithmName);
+}
+
 }  // namespace
 
 bool TaskInfo::runOnce(QString& message, bool resetAfter, int lastStep, int timeoutMs)
@@ -131,13 +136,12 @@ bool TaskInfo::runStep(qint64& index, QString& message, bool showTime)
     if (!hasTurn(item))
         return true;
     if (!prepareStep(item)) {
-        message = TaskMessages::arithmNotExisted(item.m_strArithmName);
+        sayNotExisted(item, message);
         return false;
     }
-    const Stopwatch stepTime(showTime);
-    const char* text = executeStep(item);
-    const qint64 ms = stepTime.elapsedMs();
-    if (text && *text != '\0' && !obeyResult(QString::fromUtf8(text), item, index, message))
+    qint64 ms = 0;
+    const char* text = showTime ? executeTimed(item, ms) : executeStep(item);
+    if (text && *text != '\0' && !obeyResult(text, item, index, message))
         return false;
     if (showTime)
         showStepTime(index, ms);
@@ -145,8 +149,9 @@ bool TaskInfo::runStep(qint64& index, QString& message, bool showTime)
     return true;
 }
 
-bool TaskInfo::obeyResult(QString result, const TaskItem& item, qint64& index, QString& message)
+bool TaskInfo::obeyResult(const char* text, const TaskItem& item, qint64& index, QString& message)
 {
+    QString result = QString::fromUtf8(text);
     if (result.length() >= ResultCommand::MinResultLength) {
         message.clear();
         if (!obeyCommands(result, index))
@@ -159,7 +164,7 @@ bool TaskInfo::obeyResult(QString result, const TaskItem& item, qint64& index, Q
     return false;
 }
 
-bool TaskInfo::prepareStep(TaskItem& item)
+inline bool TaskInfo::prepareStep(TaskItem& item)
 {
     if (!item.hasArithm() && !lookUpArithm(item))
         return false;
@@ -169,7 +174,7 @@ bool TaskInfo::prepareStep(TaskItem& item)
     return true;
 }
 
-const char* TaskInfo::executeStep(const TaskItem& item)
+inline const char* TaskInfo::executeStep(const TaskItem& item)
 {
     const QByteArray& option = item.m_cPrepared.m_cUtf8;
     const auto bytes = static_cast<std::size_t>(option.size()) + 1;
@@ -177,6 +182,15 @@ const char* TaskInfo::executeStep(const TaskItem& item)
         m_vecScratch.resize(bytes);
     std::memcpy(m_vecScratch.data(), option.constData(), bytes);
     return item.m_cPrepared.m_pcArithm->executeUtf8(m_vecScratch.data(), m_pcStore);
+}
+
+Q_NEVER_INLINE const char* TaskInfo::executeTimed(const TaskItem& item, qint64& ms)
+{
+    QElapsedTimer time;
+    time.start();
+    const char* text = executeStep(item);
+    ms = time.elapsed();
+    return text;
 }
 
 bool TaskInfo::obeyCommands(QString& result, qint64& index)
