@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <QtTest>
 
+#include <sys/prctl.h>
+
 #include <chrono>
 #include <random>
 #include <thread>
@@ -29,17 +31,21 @@ QByteArray savedText(int which)
     return TaskMgr::getInstance()->toSavedText();
 }
 
-/// The child: the real window, whose save command overwrites the file again and again.
-int saveForever(const QString& path, int which)
+/// What the child is asked to do once.
+struct KillRequest
 {
-    const WindowFixture fixture;
-    if (!fixture.open(path))
-        return 1;
+    int m_nFirst;  ///< The project that is saved first.
+    int m_nUs;     ///< From the beginning of the first saving until the kill.
+};
+
+/// The real window's save command overwrites the file again and again, in turn with either project.
+[[noreturn]] void saveForever(const WindowFixture& fixture, int which, int output)
+{
     QTimer answer;
-    QObject::connect(&answer, &QTimer::timeout, [] {
+    QObject::connect(&answer, &QTimer::timeout, [output] {
         auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         // The answer is what begins the saving: now the kill may come.
-        if (box != nullptr && ::write(STDOUT_FILENO, "s", 1) == 1)
+        if (box != nullptr && ::write(output, "s", 1) == 1)
             box->button(QMessageBox::Yes)->click();
     });
     answer.start(0);
@@ -47,6 +53,44 @@ int saveForever(const QString& path, int which)
         TaskMgr::getInstance()->fromString(QString::fromUtf8(projectOf(which)));
         fixture.trigger("saveOption");
     }
+}
+
+/// Lets a copy of this process save, and kills it; whether it had begun to save and was still at it.
+bool killOneSave(const WindowFixture& fixture, const KillRequest& request)
+{
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0)
+        return false;
+    const pid_t saving = ::fork();
+    if (saving == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // or it would save for ever should the child itself be ended
+        saveForever(fixture, request.m_nFirst, ends[1]);
+    }
+    ::close(ends[1]);
+    char sign = 0;
+    const bool begun = ::read(ends[0], &sign, 1) == 1;
+    std::this_thread::sleep_for(std::chrono::microseconds(begun ? request.m_nUs : 0));
+    int status = 0;
+    const bool ended = saving > 0 && ::kill(saving, SIGKILL) == 0 && ::waitpid(saving, &status, 0) == saving;
+    ::close(ends[0]);
+    return begun && ended && WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+}
+
+/**
+ * The child: opens the window and the project once, which takes far longer than a saving, and has a copy of itself
+ * killed for each request.
+ */
+int killSavesOnRequest(const QString& path, int requests)
+{
+    const WindowFixture fixture;
+    if (!fixture.open(path))
+        return 1;
+    KillRequest request;
+    while (::read(requests, &request, sizeof request) == sizeof request) {
+        if (!killOneSave(fixture, request) || ::write(STDOUT_FILENO, "k", 1) != 1)
+            return 1;
+    }
+    return 0;
 }
 
 }  // namespace
@@ -67,17 +111,21 @@ void tstKilledSave::projectIsTheOldOrTheNewOneAfterAHundredKills()
     const QByteArray texts[] = {savedText(0), savedText(1)};
     QVERIFY(texts[0] != texts[1] && texts[0].size() > 500000);
     writeFile(path, texts[0]);
+    int requests[2];
+    QVERIFY(::pipe2(requests, O_CLOEXEC) == 0);
+    QVERIFY(::fcntl(requests[0], F_SETFD, 0) == 0);  // the child's end
+    ChildProcess child({QStringLiteral("save"), path, QString::number(requests[0])});
+    QVERIFY(child.isStarted());
+    ::close(requests[0]);
     std::mt19937 chance(20240307);
     int last = 0;
     int replaced = 0;
     int leftBehind = 0;
     int mostUs = ShortestUs;  // follows how long saving takes here, so that kills meet all of it
     for (int kill = 0; kill < Kills; ++kill) {
-        ChildProcess child({QStringLiteral("save"), path, QString::number(1 - last)});
-        QVERIFY(child.isStarted());
+        const KillRequest request{1 - last, static_cast<int>(chance() % static_cast<unsigned>(mostUs))};
+        QVERIFY(::write(requests[1], &request, sizeof request) == sizeof request);
         QVERIFY(child.waitForSign());
-        std::this_thread::sleep_for(std::chrono::microseconds(chance() % static_cast<unsigned>(mostUs)));
-        child.kill();
 
         const QByteArray found = readFile(path);
         const int which = found == texts[0] ? 0 : 1;
@@ -95,13 +143,15 @@ void tstKilledSave::projectIsTheOldOrTheNewOneAfterAHundredKills()
     qInfo("%d kills: %d times the new project, else the old one; %d times a part beside it", Kills, replaced,
           leftBehind);
     QVERIFY(replaced > 0);
+    ::close(requests[1]);
+    QCOMPARE(child.wait(), 0);
 }
 
 int main(int argc, char* argv[])
 {
     QApplication application(argc, argv);
     if (argc == 4 && qstrcmp(argv[1], "save") == 0)
-        return saveForever(QFile::decodeName(argv[2]), QByteArray(argv[3]).toInt());
+        return killSavesOnRequest(QFile::decodeName(argv[2]), QByteArray(argv[3]).toInt());
     tstKilledSave test;
     return QTest::qExec(&test, argc, argv);
 }
