@@ -22,11 +22,14 @@ int LaidOutText::RepeatedNumber::of(QStringView text)
     return m_nValue;
 }
 
-const QString& LaidOutText::RepeatedText::of(QStringView text)
+const QString& LaidOutText::RecentTexts::of(QStringView text)
 {
-    if (!isSame(text, m_strText))
-        m_strText = text.isEmpty() ? QString() : text.toString();
-    return m_strText;
+    const auto length = static_cast<std::size_t>(text.size());
+    const std::size_t last = text.isEmpty() ? 0 : text.back().unicode();
+    QString& recent = m_astrTexts[(length + last) % m_astrTexts.size()];
+    if (!isSame(text, recent))
+        recent = text.isEmpty() ? QString() : text.toString();
+    return recent;
 }
 
 std::optional<TaskText> LaidOutText::task()

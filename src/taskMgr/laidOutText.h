@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <array>
 #include <optional>
 
 /**
@@ -39,14 +40,14 @@ private:
         int m_nValue = 0;
     };
 
-    /// A text that is often the same as the one before: they then share their memory.
-    class RepeatedText
+    /// Texts of which a project has few, each in many steps: the steps then share its memory.
+    class RecentTexts
     {
     public:
         const QString& of(QStringView text);
 
     private:
-        QString m_strText;
+        std::array<QString, 16> m_astrTexts;  ///< Each in the place that its length and its last character give.
     };
 
     bool readHead(TaskText& task);
@@ -64,8 +65,8 @@ private:
     QStringView m_strText;
     int m_nPos = 0;
     RepeatedNumber m_cCount;
-    RepeatedText m_cID;
-    RepeatedText m_cClass;
-    RepeatedText m_cName;
-    RepeatedText m_cDescribe;
+    RecentTexts m_cID;
+    RecentTexts m_cClass;
+    RecentTexts m_cName;
+    RecentTexts m_cDescribe;
 };

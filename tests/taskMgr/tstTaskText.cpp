@@ -100,6 +100,7 @@ private Q_SLOTS:
     void projectEndsAtItsFirstNul();
     void missingSourceIsNotTakenFromAnOption();
     void equalTextsOfNeighbouringStepsShareTheirMemory();
+    void equalTextsOfStepsInTurnsShareTheirMemory();
     void savedTextIsTheWholeTextWithoutEmptyLines();
     void savedTextCollapsesLineEndsAcrossItsPieces();
     void savedTextOfNothingButLineEndsIsOne();
@@ -201,6 +202,19 @@ void tstTaskText::equalTextsOfNeighbouringStepsShareTheirMemory()
 
     QCOMPARE(task.m_lstSteps.size(), 2);
     QCOMPARE(task.m_lstSteps.at(0).m_strArithmID.constData(), task.m_lstSteps.at(1).m_strArithmID.constData());
+}
+
+void tstTaskText::equalTextsOfStepsInTurnsShareTheirMemory()
+{
+    const QString other = QString::fromLatin1(Step).replace(QLatin1String(">id<"), QLatin1String(">id of another<"));
+    const QString turn = QLatin1String(Step) + other;
+
+    const TaskText task = TaskText::read(QLatin1String(Head) + turn + turn);
+
+    QCOMPARE(task.m_lstSteps.size(), 4);
+    QCOMPARE(task.m_lstSteps.at(1).m_strArithmID, QStringLiteral("id of another"));
+    for (int i = 0; i < 2; ++i)
+        QCOMPARE(task.m_lstSteps.at(i).m_strArithmID.constData(), task.m_lstSteps.at(i + 2).m_strArithmID.constData());
 }
 
 void tstTaskText::savedTextIsTheWholeTextWithoutEmptyLines()
