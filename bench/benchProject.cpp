@@ -5,17 +5,20 @@
 
 namespace {
 
-/// One task with steps of 500 characters each.
+/// One task with steps of 500 characters each, whose option texts all differ, as a user's do.
 QString projectOf(int steps)
 {
-    const QString option(300, QLatin1Char('o'));
-    const QString step = QStringLiteral(
-                             "<-TaskItem->\n<-MaxExeTimes->-1</-MaxExeTimes->\n<-ArithmID->BENCH_Noop</-ArithmID->\n"
-                             "<-OptionStr->\n%1\n</-OptionStr->\n<-ClassName->bench</-ClassName->\n"
-                             "<-ArithmName->noop</-ArithmName->\n<-Describe-></-Describe->\n</-TaskItem->\n")
-                             .arg(option);
-    return QStringLiteral("<=TaskInfo=>\n<-TaskName->t</-TaskName->\n<-Kernel->0</-Kernel->\n<-View->0</-View->\n") +
-           step.repeated(steps) + QStringLiteral("</=TaskInfo=>\n");
+    constexpr int OptionLength = 300;
+    QString text =
+        QStringLiteral("<=TaskInfo=>\n<-TaskName->t</-TaskName->\n<-Kernel->0</-Kernel->\n<-View->0</-View->\n");
+    for (int i = 0; i < steps; ++i)
+        text += QStringLiteral(
+                    "<-TaskItem->\n<-MaxExeTimes->-1</-MaxExeTimes->\n<-ArithmID->BENCH_Noop%1</-ArithmID->\n"
+                    "<-OptionStr->\n%2\n</-OptionStr->\n<-ClassName->bench</-ClassName->\n"
+                    "<-ArithmName->noop %1</-ArithmName->\n<-Describe-></-Describe->\n</-TaskItem->\n")
+                    .arg(i % 10)
+                    .arg(i, OptionLength, 10, QLatin1Char('o'));
+    return text + QStringLiteral("</=TaskInfo=>\n");
 }
 
 void openProject(benchmark::State& state)

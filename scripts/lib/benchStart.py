@@ -2,8 +2,8 @@
 """Times the start of the workbench: benchStart.py PROGRAM PLUGIN_FOLDER SCRATCH_FOLDER
 
 PROGRAM ends once its window was painted; it is started again and again, in random order, as a bare window, as the
-workbench without plug-ins, with all plug-ins of PLUGIN_FOLDER, and with each of them alone. Prints "name value" lines:
-medians of milliseconds and of the most resident bytes, and how far the milliseconds lie apart.
+workbench without plug-ins, with all plug-ins of PLUGIN_FOLDER, with each of them alone, and with all but one of them.
+Prints "name value" lines: medians of milliseconds and of the most resident bytes, and how far the milliseconds lie apart.
 """
 import os
 import random
@@ -46,6 +46,8 @@ def main():
                 "pack": [placed(program, scratch / "pack", plugins), "workbench"]}
     for plugin in plugins:
         commands[f"plugin_{plugin.stem}"] = [placed(program, scratch / plugin.stem, [plugin]), "workbench"]
+        others = [other for other in plugins if other != plugin]
+        commands[f"without_{plugin.stem}"] = [placed(program, scratch / f"without_{plugin.stem}", others), "workbench"]
     for command in commands.values():
         start(command)  # files come from the cache from now on
     order = [name for name in commands for _ in range(ROUNDS)]
