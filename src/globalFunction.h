@@ -101,7 +101,11 @@ private:
     ~GlobalFunction() override = default;
 
     std::atomic<ViewDrawOption*>* slotOf(int view);  ///< Null when there is no such view.
+    static GlobalFunction* makeInstance() REQUIRES(s_cMtxForIns);
     void makeRecord(std::atomic<ViewDrawOption*>& slot) REQUIRES(m_cMtxRegistry);
+    std::unique_ptr<ViewDrawOption> takeRecord(std::atomic<ViewDrawOption*>& slot)
+        REQUIRES(m_cMtxRegistry, m_cMtxViews);
+    void noteCanvasSize(ViewDrawOption& record, int width, int height) REQUIRES(m_cMtxViews);
 
     /// Each is held by whoever uses that view's record. One capability for all, since nobody may hold two at a time.
     struct CAPABILITY("mutex") ViewMutexes

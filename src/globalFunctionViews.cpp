@@ -46,6 +46,11 @@ GlobalFunction* GlobalFunction::getInstance()
     if (GlobalFunction* instance = s_pcInstance.load(std::memory_order_acquire))
         return instance;
     const MutexGuard guard(s_cMtxForIns);
+    return makeInstance();
+}
+
+GlobalFunction* GlobalFunction::makeInstance()
+{
     if (!s_pcInstance.load(std::memory_order_relaxed))
         s_pcInstance.store(new GlobalFunction, std::memory_order_release);
     return s_pcInstance.load(std::memory_order_relaxed);
@@ -84,7 +89,12 @@ void GlobalFunction::removeView(int view)
     std::unique_ptr<ViewDrawOption> removed;  // deleted after the locks; its options live on
     const MutexGuard registryGuard(m_cMtxRegistry);
     const MutexGuard viewGuard(mutexOf(view));
-    removed.reset(slot->exchange(nullptr, std::memory_order_acq_rel));
+    removed = takeRecord(*slot);
+}
+
+std::unique_ptr<GlobalFunction::ViewDrawOption> GlobalFunction::takeRecord(std::atomic<ViewDrawOption*>& slot)
+{
+    return std::unique_ptr<ViewDrawOption>(slot.exchange(nullptr, std::memory_order_acq_rel));
 }
 
 GlobalFunction::ViewDrawOption* GlobalFunction::requestViewDrawOption(int view)
@@ -116,9 +126,13 @@ void GlobalFunction::resizeViewCanvas(int view, int width, int height)
     const MutexGuard registryGuard(m_cMtxRegistry);
     makeRecord(*slot);
     const MutexGuard viewGuard(mutexOf(view));
-    ViewDrawOption* record = slot->load(std::memory_order_relaxed);
-    record->m_nCanvasWidth = width;
-    record->m_nCanvasHeight = height;
+    noteCanvasSize(*slot->load(std::memory_order_relaxed), width, height);
+}
+
+void GlobalFunction::noteCanvasSize(ViewDrawOption& record, int width, int height)
+{
+    record.m_nCanvasWidth = width;
+    record.m_nCanvasHeight = height;
 }
 
 void GlobalFunction::dropOptionsOf(const ArithmParamMgr* store)

@@ -39,23 +39,35 @@ Relay& relay()
     return *s_pcRelay;
 }
 
+// Functions of their own, since clang does not check the locks of constructors.
+
+void makeCurrent(OutputLine* line)
+{
+    Relay& state = relay();
+    const Guard guard(state.m_cMutex);
+    state.reset(line);
+}
+
+void forget(const OutputLine* line)
+{
+    Relay& state = relay();
+    const Guard guard(state.m_cMutex);
+    if (state.m_pcLine == line)
+        state.reset(nullptr);
+}
+
 }  // namespace
 
 OutputLine::OutputLine(QLabel* label, QObject* parent) : QObject(parent), m_pcLabel(label)
 {
     m_cPause.setSingleShot(true);
     connect(&m_cPause, &QTimer::timeout, this, &OutputLine::showNewest);
-    Relay& state = relay();
-    const Guard guard(state.m_cMutex);
-    state.reset(this);
+    makeCurrent(this);
 }
 
 OutputLine::~OutputLine()
 {
-    Relay& state = relay();
-    const Guard guard(state.m_cMutex);
-    if (state.m_pcLine == this)
-        state.reset(nullptr);
+    forget(this);
 }
 
 void OutputLine::print(const QString& message)

@@ -3,13 +3,13 @@
 #include "threadAnnotations.h"
 
 #include <QMutex>
-#include <QSemaphore>
 
 /**
  * Scope guards over Qt's locks.
  *
  * Thread sanitizer does not see into an uninstrumented Qt; these guards announce each acquire and release to it, so
- * that a real race is reported and a correct program is not. All locking of QMutex and QSemaphore goes through here.
+ * that a real race is reported and a correct program is not. All locking of QMutex goes through here. A QSemaphore is
+ * used as it is: its permits only count, what they stand for is handed over by a mutex.
  */
 #if defined(__SANITIZE_THREAD__)
 #define LUMIVANT_TSAN 1
@@ -56,21 +56,6 @@ inline void unlock(QMutex& mutex) RELEASE(mutex) NO_THREAD_SAFETY_ANALYSIS
 {
     announceRelease(&mutex);
     mutex.unlock();
-}
-
-/// Takes one permit, waiting at most timeoutMs milliseconds; false when none came.
-inline bool takePermit(QSemaphore& semaphore, int timeoutMs)
-{
-    if (!semaphore.tryAcquire(1, timeoutMs))
-        return false;
-    announceAcquire(&semaphore);
-    return true;
-}
-
-inline void givePermit(QSemaphore& semaphore)
-{
-    announceRelease(&semaphore);
-    semaphore.release();
 }
 
 /// Holds a QMutex for a scope.

@@ -85,7 +85,7 @@ public:
     bool add(const unsigned char* data, int width, int height)
     {
         const std::int64_t bytes = Slot::bytesOf(width, height);
-        if (!data || bytes == 0 || !ThreadGuards::takePermit(m_cIdlePermits, WaitMs))
+        if (!data || bytes == 0 || !m_cIdlePermits.tryAcquire(1, WaitMs))
             return false;
         Slot* slot = m_cIdle.takeFirst();
         if (!slot->store(data, bytes, width, height)) {
@@ -93,14 +93,14 @@ public:
             return false;
         }
         m_cPrepared.putLast(slot);
-        ThreadGuards::givePermit(m_cPreparedPermits);
+        m_cPreparedPermits.release();
         return true;
     }
 
     /// Takes the oldest picture out; the caller gives it back with release. Null when none came in time.
     Slot* request()
     {
-        if (!ThreadGuards::takePermit(m_cPreparedPermits, WaitMs))
+        if (!m_cPreparedPermits.tryAcquire(1, WaitMs))
             return nullptr;
         Slot* slot = m_cPrepared.takeFirst();
         countProcessing(+1);
@@ -162,13 +162,18 @@ private:
     void putIdle(Slot* slot)
     {
         m_cIdle.putLast(slot);
-        ThreadGuards::givePermit(m_cIdlePermits);
+        m_cIdlePermits.release();
     }
 
     void countProcessing(int change)
     {
         const ThreadGuards::MutexGuard guard(m_cMtxProcessing);
-        m_nProcessing.fetch_add(change, std::memory_order_relaxed);
+        noteProcessing(change);
+    }
+
+    void noteProcessing(int change) REQUIRES(m_cMtxProcessing)
+    {
+        m_nProcessing.store(processingNum() + change, std::memory_order_relaxed);
     }
 
     static void keepForReader(Slot* slot)

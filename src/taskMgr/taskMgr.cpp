@@ -44,17 +44,24 @@ TaskMgr* TaskMgr::getInstance()
     if (instance)
         return instance;
     const ThreadGuards::MutexGuard guard(s_cMtxForIns);
-    instance = s_pcInstance.load(std::memory_order_relaxed);
-    if (!instance) {
-        instance = new TaskMgr;
-        s_pcInstance.store(instance, std::memory_order_release);
-    }
-    return instance;
+    return makeInstance();
+}
+
+TaskMgr* TaskMgr::makeInstance()
+{
+    if (!s_pcInstance.load(std::memory_order_relaxed))
+        s_pcInstance.store(new TaskMgr, std::memory_order_release);
+    return s_pcInstance.load(std::memory_order_relaxed);
 }
 
 void TaskMgr::deleteThis()
 {
     const ThreadGuards::MutexGuard guard(s_cMtxForIns);
+    deleteInstance();
+}
+
+void TaskMgr::deleteInstance()
+{
     delete s_pcInstance.load();
     s_pcInstance.store(nullptr);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "taskMgr/taskInfo.h"
+#include "threadAnnotations.h"
 
 #include <QByteArray>
 #include <QList>
@@ -47,6 +48,8 @@ public:
     static QMutex s_cMtxForIns;  ///< Guards creation and destruction of the instance.
 
 private:
+    static TaskMgr* makeInstance() REQUIRES(s_cMtxForIns);
+    static void deleteInstance() REQUIRES(s_cMtxForIns);
     void appendTo(QString& text, const std::function<void()>& afterStep) const;
     TaskMgr();
     ~TaskMgr();

@@ -112,6 +112,7 @@ private Q_SLOTS:
     void recordReadWhileAnotherThreadMakesIt();
     void manyThreadsQueueTakeAddRemoveAndResize();
     void droppingWhileOtherTasksQueue();
+    void viewThatGoesWhileAStepWaitsForItHoldsNobodyUp();
 };
 
 void TestDrawingQueue::init()
@@ -456,6 +457,27 @@ void TestDrawingQueue::droppingWhileOtherTasksQueue()
     });
 
     QVERIFY(!waitingIds(0).contains(2));
+}
+
+void TestDrawingQueue::viewThatGoesWhileAStepWaitsForItHoldsNobodyUp()
+{
+    int gone = 0;
+    for (int round = 0; round < 2000 && gone < 5; ++round) {
+        registry().addView(0, nullptr);
+        GlobalFunction::ViewDrawOption* held = registry().requestViewDrawOption(0);
+        std::atomic<bool> found{false};
+        std::thread remover([] { registry().removeView(0); });
+        std::thread step([&found] { found = static_cast<bool>(ViewRecord(0)); });
+        QTest::qSleep(1);  // both wait; who comes first then is chance
+        registry().releaseViewDrawOption(0, held);
+        remover.join();
+        step.join();
+        gone += !found;
+    }
+    QCOMPARE(gone, 5);
+
+    registry().addView(0, nullptr);
+    QVERIFY(ViewRecord(0));  // would wait for ever
 }
 
 QTEST_GUILESS_MAIN(TestDrawingQueue)
