@@ -49,11 +49,11 @@ def nameable_in(text):
 
 
 def names_in(text):
-    """(program, function) of each name; `::function` belongs to the program that was named before it."""
+    """(line, program, function) of each name; `::function` belongs to the program that was named before it."""
     program = ""
-    for named, function in NAME.findall(text):
-        program = named or program
-        yield program, function
+    for match in NAME.finditer(text):
+        program = match[1] or program
+        yield text.count("\n", 0, match.start()) + 1, program, match[2]
 
 
 def cells_of(line):
@@ -75,7 +75,7 @@ def check_map(text, functions):
     """Complaints about the map itself, and what it names."""
     found, named = [], set()
     for number, cells in rows_of(text):
-        names = list(names_in(cells[-1]))
+        names = [name[1:] for name in names_in(cells[-1])]
         if len(cells) != 2:
             found.append(f"behaviour: {MAP}:{number} has {len(cells)} cells, not two")
         if not names:
@@ -90,12 +90,11 @@ def check_map(text, functions):
 def check_testing(text, functions):
     """The same of the page about testing, which names code as well as tests, anywhere."""
     found, named = [], set()
-    for number, line in enumerate(text.split("\n"), 1):
-        for program, function in names_in(line):
-            named.add((program, function))
-            looks_like_a_test = program in functions or re.match(r"tst|test[A-Z_]", program)
-            if looks_like_a_test and function not in functions.get(program, []):
-                found.append(f"behaviour: {TESTING}:{number} names {program}::{function}, which does not exist")
+    for number, program, function in names_in(text):
+        named.add((program, function))
+        looks_like_a_test = program in functions or re.match(r"tst|test[A-Z_]", program)
+        if looks_like_a_test and function not in functions.get(program, []):
+            found.append(f"behaviour: {TESTING}:{number} names {program}::{function}, which does not exist")
     return found, named
 
 
