@@ -118,7 +118,7 @@ void tstDiskFaults::fullDiskKeepsTheOldProjectAndSaysSo()
     {
         ModalDriver driver;
         driver.box(QMessageBox::Yes).box(QMessageBox::Ok);
-        fixture.triggerWithFileDialog("saveOption");
+        fixture.trigger("saveOption");
         QVERIFY(driver.done());
         QCOMPARE(driver.m_lstBoxes.at(1).m_strTitle, Warning);
         QCOMPARE(driver.m_lstBoxes.at(1).m_strText, Failed);
@@ -129,7 +129,7 @@ void tstDiskFaults::fullDiskKeepsTheOldProjectAndSaysSo()
     disk.makeRoom();
     ModalDriver again;
     again.box(QMessageBox::Yes);
-    fixture.triggerWithFileDialog("saveOption");
+    fixture.trigger("saveOption");
     QVERIFY(again.done());
     QVERIFY(readFile(path).contains("<-ArithmName->x</-ArithmName->"));
     QCOMPARE(disk.names(), QStringList{QStringLiteral("a.lmv")});
@@ -146,7 +146,7 @@ void tstDiskFaults::newProjectOnAFullDiskLeavesNothing()
     ModalDriver driver;
     driver.file(disk.path("new.lmv")).box(QMessageBox::Ok);
 
-    fixture.triggerWithFileDialog("saveOptionAs");
+    fixture.trigger("saveOptionAs");
 
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstBoxes.at(0).m_strText, Failed);
@@ -200,7 +200,7 @@ void tstDiskFaults::projectWhoseFolderVanishedIsNotSavedAndSaysSo()
     ModalDriver driver;
     driver.box(QMessageBox::Yes).box(QMessageBox::Ok);
 
-    fixture.triggerWithFileDialog("saveOption");
+    fixture.trigger("saveOption");
 
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstBoxes.at(1).m_strText, Failed);

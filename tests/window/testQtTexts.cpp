@@ -59,7 +59,6 @@ void TestQtTexts::questionsOfTheWindowHaveChineseButtons()
 
 void TestQtTexts::fileDialogIsChinese()
 {
-    const UnwatchedScope unwatched;
     QFileDialog dialog;
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     const auto* const buttons = dialog.findChild<QDialogButtonBox*>();

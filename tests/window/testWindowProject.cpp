@@ -97,7 +97,7 @@ void TestWindowProject::newAnsweredYesClearsTasksTabsAndPath()
 
     // The path is forgotten: saving asks for a name, not whether to overwrite.
     driver.file(QString());
-    fixture.triggerWithFileDialog("saveOption");
+    fixture.trigger("saveOption");
     QVERIFY(driver.done());
     QTRY_VERIFY(!page);
 }
@@ -107,7 +107,7 @@ void TestWindowProject::openDialogLooksForProjectsInTheCurrentFolder()
     const WindowFixture fixture;
     ModalDriver driver;
     driver.file(QString());
-    fixture.triggerWithFileDialog("openOption");
+    fixture.trigger("openOption");
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstFiles.at(0).m_strTitle, QStringLiteral("打开文件"));
     QCOMPARE(driver.m_lstFiles.at(0).m_lstFilters, QStringList{QStringLiteral("项目文件(*.lmv)")});
@@ -190,7 +190,7 @@ void TestWindowProject::unreadableFileChangesNothing()
     QVERIFY(QFile::link(QStringLiteral("/proc/self/mem"), path));
     ModalDriver driver;
     driver.file(path).box(QMessageBox::Ok);
-    fixture.triggerWithFileDialog("openOption");
+    fixture.trigger("openOption");
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, Warning);
     QCOMPARE(driver.m_lstBoxes.at(0).m_strText, Failed);
@@ -257,7 +257,7 @@ void TestWindowProject::saveWithoutAPathAsksForAName()
     QVERIFY(fixture.addTask(QStringLiteral("a")));
     ModalDriver driver;
     driver.file(at("p.lmv"));
-    fixture.triggerWithFileDialog("saveOption");
+    fixture.trigger("saveOption");
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstFiles.at(0).m_strTitle, QStringLiteral("保存文件"));
     QCOMPARE(driver.m_lstFiles.at(0).m_lstFilters, QStringList{QStringLiteral("项目文件(*.lmv)")});
@@ -296,8 +296,8 @@ void TestWindowProject::cancelledSaveWritesNothing()
     const WindowFixture fixture;
     ModalDriver driver;
     driver.file(QString()).file(QString());
-    fixture.triggerWithFileDialog("saveOption");
-    fixture.triggerWithFileDialog("saveOptionAs");
+    fixture.trigger("saveOption");
+    fixture.trigger("saveOptionAs");
     QVERIFY(driver.done());
     QVERIFY(QDir(m_pcFolder->path()).isEmpty());
     QCOMPARE(fixture.m_pcWindow->windowTitle(), QStringLiteral("Lumivant"));
@@ -310,7 +310,7 @@ void TestWindowProject::saveAsksBeforeItOverwritesAndDoes()
     QVERIFY(fixture.open(at("a.lmv")));
     ModalDriver driver;
     driver.box(QMessageBox::Yes);
-    fixture.triggerWithFileDialog("saveOption");
+    fixture.trigger("saveOption");
     QVERIFY(driver.done());
     QVERIFY(driver.m_lstBoxes.at(0).asks(QStringLiteral("是否覆盖当前文件?")));
     QCOMPARE(readFile(at("a.lmv")), QByteArray());
@@ -323,7 +323,7 @@ void TestWindowProject::saveAnsweredNoAsksForAnotherName()
     QVERIFY(fixture.open(at("a.lmv")));
     ModalDriver driver;
     driver.box(QMessageBox::No).file(QStringLiteral("b"));
-    fixture.triggerWithFileDialog("saveOption");
+    fixture.trigger("saveOption");
     QVERIFY(driver.done());
     QCOMPARE(readFile(at("a.lmv")), QByteArray("garbage"));
     QCOMPARE(readFile(at("b.lmv")), QByteArray());
@@ -337,7 +337,7 @@ void TestWindowProject::saveAsAlwaysAsksForAName()
     QVERIFY(fixture.open(at("a.lmv")));
     ModalDriver driver;
     driver.file(QStringLiteral("c.lmv"));
-    fixture.triggerWithFileDialog("saveOptionAs");
+    fixture.trigger("saveOptionAs");
     QVERIFY(driver.done());
     QVERIFY(driver.m_lstBoxes.isEmpty());
     QCOMPARE(readFile(at("a.lmv")), QByteArray("garbage"));
@@ -355,7 +355,7 @@ void TestWindowProject::dialogAsksBeforeAnotherProjectIsReplacedByANameWithoutEn
             dialog->reject();
         return dialog != nullptr;
     });
-    fixture.triggerWithFileDialog("saveOptionAs");
+    fixture.trigger("saveOptionAs");
     QVERIFY(driver.done());
     QCOMPARE(readFile(at("other.lmv")), QByteArray("precious"));
 }
@@ -403,7 +403,7 @@ void TestWindowProject::failedSavesKeepPathTitleAndTasks()
     QVERIFY(fixture.open(at("a.lmv")));
     ModalDriver driver;
     driver.file(name).box(QMessageBox::Ok);
-    fixture.triggerWithFileDialog("saveOptionAs");
+    fixture.trigger("saveOptionAs");
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstBoxes.at(0).m_strTitle, Warning);
     QCOMPARE(driver.m_lstBoxes.at(0).m_strText, Failed);
@@ -421,7 +421,7 @@ void TestWindowProject::aFolderInPlaceOfTheFileIsAFailedSave()
     QVERIFY(QDir(m_pcFolder->path()).mkdir(QStringLiteral("a.lmv")));
     ModalDriver driver;
     driver.box(QMessageBox::Yes).box(QMessageBox::Ok);
-    fixture.triggerWithFileDialog("saveOption");
+    fixture.trigger("saveOption");
     QVERIFY(driver.done());
     QCOMPARE(driver.m_lstBoxes.at(1).m_strText, Failed);
     QVERIFY(QFileInfo(at("a.lmv")).isDir());
@@ -444,7 +444,7 @@ void TestWindowProject::diskThatTakesOnlyAPartKeepsTheOldProject()
     QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
     ModalDriver driver;
     driver.box(QMessageBox::Yes).box(QMessageBox::Ok);
-    fixture.triggerWithFileDialog("saveOption");
+    fixture.trigger("saveOption");
     setrlimit(RLIMIT_FSIZE, &old);
     std::signal(SIGXFSZ, oldHandler);
 

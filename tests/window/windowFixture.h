@@ -1,5 +1,6 @@
 #pragma once
 
+#include "folderThread.h"
 #include "mainwindow.h"
 #include "modalDriver.h"
 #include "taskMgr/taskMgr.h"
@@ -15,43 +16,6 @@
 #include <QTest>
 
 #include <memory>
-
-#if defined(__SANITIZE_THREAD__)
-extern "C" {
-void AnnotateIgnoreReadsBegin(const char* file, int line);
-void AnnotateIgnoreReadsEnd(const char* file, int line);
-void AnnotateIgnoreWritesBegin(const char* file, int line);
-void AnnotateIgnoreWritesEnd(const char* file, int line);
-}
-#endif
-
-/**
- * For a scope, the thread sanitizer does not look at what this thread reads and writes.
- *
- * Qt's file dialog reads folders on a thread of its own and hands them over under locks that the tool does not see; the
- * functions have no exported names that a suppression could give.
- */
-class UnwatchedScope
-{
-public:
-#if defined(__SANITIZE_THREAD__)
-    UnwatchedScope()
-    {
-        AnnotateIgnoreReadsBegin(__FILE__, __LINE__);
-        AnnotateIgnoreWritesBegin(__FILE__, __LINE__);
-    }
-    ~UnwatchedScope()
-    {
-        AnnotateIgnoreWritesEnd(__FILE__, __LINE__);
-        AnnotateIgnoreReadsEnd(__FILE__, __LINE__);
-    }
-#else
-    UnwatchedScope() {}
-    ~UnwatchedScope() {}
-#endif
-    UnwatchedScope(const UnwatchedScope&) = delete;
-    UnwatchedScope& operator=(const UnwatchedScope&) = delete;
-};
 
 /// The real window, shown, and its widgets by name.
 class WindowFixture
@@ -72,11 +36,6 @@ public:
     QTabWidget* tabs() const { return child<QTabWidget>("tabWidget"); }
     QLabel* output() const { return child<QLabel>("lblOutputMsg"); }
     void trigger(const char* action) const { child<QAction>(action)->trigger(); }
-    void triggerWithFileDialog(const char* action) const
-    {
-        const UnwatchedScope unwatched;
-        trigger(action);
-    }
     void press(const char* button) const { QTest::mouseClick(child<QPushButton>(button), Qt::LeftButton); }
     QPushButton* runButton(int tab) const { return tabs()->widget(tab)->findChildren<QPushButton*>().at(0); }
     QTableWidget* table(int tab) const { return tabs()->widget(tab)->findChild<QTableWidget*>(); }
@@ -104,7 +63,7 @@ public:
     {
         ModalDriver driver;
         driver.file(path);
-        triggerWithFileDialog("openOption");
+        trigger("openOption");
         return driver.done();
     }
 
@@ -113,7 +72,7 @@ public:
     {
         ModalDriver driver;
         driver.file(path);
-        triggerWithFileDialog("saveOptionAs");
+        trigger("saveOptionAs");
         return driver.done();
     }
 
