@@ -1,7 +1,7 @@
 #include "soakDriver.h"
 
 #include "mainwindow.h"
-#include "memoryDisk/memoryDisk.h"
+#include "soakDisks.h"
 #include "soakLibraries.h"
 #include "taskMgr/taskMgr.h"
 
@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <functional>
 
 namespace {
 
@@ -26,42 +25,7 @@ constexpr int GiveUpMs = 10000;  ///< Until threads that have ended are gone.
 
 qint64 roundMs(qint64 durationMs)
 {
-    return std::clamp<qint64>(durationMs / 30, 2500, 15000);
-}
-
-/// Takes what still waits in a pool; the problem with it, empty when there is none.
-template <typename Slot>
-QString drain(int disk, bool colour, int prepared, const std::function<Slot*()>& request,
-              const std::function<unsigned char*(Slot*)>& pixels, const std::function<void(Slot*)>& release)
-{
-    for (; prepared > 0; --prepared) {
-        Slot* const slot = request();
-        if (!slot)
-            return QStringLiteral("memory disk %1 has less than it says").arg(disk);
-        SoakLibraries::take(disk, colour, pixels(slot), slot->getWidth(), slot->getHeight());
-        release(slot);
-    }
-    return {};
-}
-
-/// Gives every slot its largest buffer at once: what grows afterwards is no warm-up.
-void growSlots()
-{
-    constexpr int Width = 400;
-    constexpr int Height = 300;
-    const QByteArray picture(Width * 3 * Height, '\0');
-    const auto* const pixels = reinterpret_cast<const unsigned char*>(picture.constData());
-    for (int number = 0; number < MemoryDisk::DiskNum; ++number) {
-        MemoryDisk* const disk = MemoryDisk::getInstance(number);
-        for (int i = 0; i < disk->getDIBBuffNum(); ++i) {
-            disk->addDIB(const_cast<unsigned char*>(pixels), Width, Height);
-            disk->addGray8(const_cast<unsigned char*>(pixels), Width, Height);
-        }
-        for (int i = 0; i < disk->getDIBBuffNum(); ++i) {
-            disk->releaseDIB(disk->requestDIB());
-            disk->releaseGray8(disk->requestGray8());
-        }
-    }
+    return std::clamp<qint64>(durationMs / 30, 1000, 15000);
 }
 
 }  // namespace
@@ -71,7 +35,6 @@ SoakDriver::SoakDriver(MainWindow& window, SoakWatchdog& watchdog, const QString
     : m_cWindow(window), m_cWatchdog(watchdog), m_strFolder(folder), m_cChance(seed), m_nDurationMs(durationMs)
 {
     SoakProject::setScratchFolder(folder + QStringLiteral("/saved"));
-    growSlots();
     connect(&m_cTimer, &QTimer::timeout, this, &SoakDriver::turn);
     m_cTimer.start(TurnMs);
     connect(&m_cLook, &QTimer::timeout, this, &SoakDriver::look);
@@ -151,20 +114,27 @@ void SoakDriver::operate()
     case Phase::Over:
         return;
     }
-    if (m_cInPhase.elapsed() > roundMs(m_nDurationMs)) {
+    // Each once at first, so that what is made when it is needed first does not count as growth.
+    const bool everyOnce = m_nTried < operations().size();
+    if (!everyOnce && m_cInPhase.elapsed() > roundMs(m_nDurationMs)) {
         endRound();
         return;
     }
-    const QVector<Operation>& all = operations();
+    const Operation& operation = everyOnce ? operations().at(m_nTried++) : anyOperation();
+    note(operation.m_pchName);
+    (this->*operation.m_pfnDo)();
+}
+
+const SoakDriver::Operation& SoakDriver::anyOperation()
+{
     int weight = 0;
-    for (const Operation& operation : all)
+    for (const Operation& operation : operations())
         weight += operation.m_nWeight;
     int chosen = m_cChance.below(weight);
-    const auto* operation = all.constBegin();
+    const auto* operation = operations().constBegin();
     for (; chosen >= operation->m_nWeight; ++operation)
         chosen -= operation->m_nWeight;
-    note(operation->m_pchName);
-    (this->*operation->m_pfnDo)();
+    return *operation;
 }
 
 // ---- Rounds ---------------------------------------------------------------------------------------------------------
@@ -180,7 +150,7 @@ void SoakDriver::openRound()
     QFile::remove(m_strFolder + QStringLiteral("/kept.lmv"));
     m_bYes = true;
     m_nAdded = 0;
-    triggerWithFileDialog("openOption");
+    trigger("openOption");
     if (tabs()->count() != TaskNum + 1)
         m_strProblem =
             QStringLiteral("opening a project of %1 tasks made %2 tabs").arg(TaskNum + 1).arg(tabs()->count());
@@ -211,36 +181,23 @@ bool SoakDriver::isQuiet() const
 void SoakDriver::closeBooks()
 {
     ++m_cTally.m_nRounds;
-    drainDisks();
+    QString problem = SoakDisks::drain();
+    if (problem.isEmpty())
+        problem = SoakDisks::fillAndEmpty();
+    if (m_strProblem.isEmpty())
+        m_strProblem = problem;
     SoakLibraries::close();
     if (m_strProblem.isEmpty() && SoakLibraries::sourceInstances() != 0)
         m_strProblem = QStringLiteral("sources outlive their tasks");
     m_cGrowth.add(SoakSample::take());
     std::fprintf(stderr, "round %d: %s\n", m_cTally.m_nRounds, qPrintable(m_cGrowth.samples().last().toString()));
-    if (m_cSinceBegin.elapsed() < m_nDurationMs) {
+    if (m_cSinceBegin.elapsed() < m_nDurationMs || m_cTally.m_nRounds < SoakGrowth::FewestSamples) {
         m_ePhase = Phase::Opening;
         return;
     }
     if (m_strProblem.isEmpty())
+        m_strProblem = QString::fromStdString(SoakLibraries::counts().problem());
+    if (m_strProblem.isEmpty())
         m_strProblem = m_cGrowth.problem();
     m_ePhase = Phase::Over;
-}
-
-void SoakDriver::drainDisks()
-{
-    for (int number = 0; number < MemoryDisk::DiskNum; ++number) {
-        MemoryDisk* const disk = MemoryDisk::getInstance(number);
-        QString problem = drain<MemoryDisk::DIB>(
-            number, true, disk->getDIBPreparedNum(), [disk] { return disk->requestDIB(); },
-            [](MemoryDisk::DIB* slot) { return slot->getDIB(); },
-            [disk](MemoryDisk::DIB* slot) { disk->releaseDIB(slot); });
-        problem += drain<MemoryDisk::Gray8>(
-            number, false, disk->getGray8PreparedNum(), [disk] { return disk->requestGray8(); },
-            [](MemoryDisk::Gray8* slot) { return slot->getGray8(); },
-            [disk](MemoryDisk::Gray8* slot) { disk->releaseGray8(slot); });
-        if (disk->getDIBIdleNum() != disk->getDIBBuffNum() || disk->getGray8IdleNum() != disk->getGray8BuffNum())
-            problem += QStringLiteral("memory disk %1 has lost slots").arg(number);
-        if (m_strProblem.isEmpty())
-            m_strProblem = problem;
-    }
 }

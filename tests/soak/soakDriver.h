@@ -69,7 +69,6 @@ private:
     void restoreWindow();
     void closeBooks();
     bool isQuiet() const;
-    void drainDisks();
 
     // ---- Operations (soakOperations.cpp) ----------------------------------------------------------------------------
     struct Operation
@@ -79,6 +78,7 @@ private:
         void (SoakDriver::*m_pfnDo)();
     };
     static const QVector<Operation>& operations();
+    const Operation& anyOperation();
     void clickRun();
     void startAll();
     void stopAll();
@@ -102,7 +102,6 @@ private:
     QTabWidget* tabs() const;
     QWidget* anyPage();
     void trigger(const char* action);
-    void triggerWithFileDialog(const char* action);
     void press(QPushButton* button);
     static int runningNum();
     void chooseInCombo(int which);
@@ -123,4 +122,5 @@ private:
     QPointer<QWidget> m_pcAnswered;
     QStringList m_lstLast;
     int m_nAdded = 0;
+    int m_nTried = 0;  ///< Operations that were done once, in their order.
 };

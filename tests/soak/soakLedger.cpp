@@ -10,15 +10,41 @@ std::uint64_t SoakLedger::enter(Pool pool, std::uint32_t writer)
     return number;
 }
 
-void SoakLedger::putThere(Pool pool, std::uint32_t writer, std::uint64_t number)
+void SoakLedger::see(const std::array<bool, PoolNum>& hasRoom)
+{
+    const std::lock_guard<std::mutex> guard(m_cMutex);
+    const Clock::time_point now = Clock::now();
+    for (std::size_t pool = 0; pool < hasRoom.size(); ++pool)
+        m_acRoom[pool].see(now, hasRoom[pool]);
+}
+
+void SoakLedger::putThere(Pool pool, std::uint32_t writer, std::uint64_t number, bool certain)
 {
     const Clock::time_point now = Clock::now();
     const std::lock_guard<std::mutex> guard(m_cMutex);
     const auto found = m_mapOnTheirWay.find(Key(pool, writer, number));
-    if (found == m_mapOnTheirWay.end())
-        return;  // a reader was faster
-    found->second.m_bThere = true;
-    found->second.m_bDoubtful = now - found->second.m_cEntered >= std::chrono::milliseconds(WriterWaitMs);
+    if (found == m_mapOnTheirWay.end() || found->second.m_bThere)
+        return;  // a reader was faster, or this is known
+    Entry& entry = found->second;
+    entry.m_bThere = true;
+    entry.m_bCertain = certain;
+    entry.m_eWait = waitOf(pool, entry.m_cEntered, now);
+}
+
+/// A writer that is refused has waited for exactly a second: what it took longer, it did not wait, and there may have
+/// been room. While it waits there is room only for as long as a thread needs to take or to give a slot.
+SoakLedger::Wait SoakLedger::waitOf(Pool pool, Clock::time_point entered, Clock::time_point now) const
+{
+    constexpr std::chrono::milliseconds WriterWait{1000};
+    constexpr std::chrono::milliseconds Moment{100};
+    constexpr std::chrono::milliseconds TooLong{300};
+    if (now - entered < WriterWait)
+        return Wait::None;
+    const SoakRoom& room = m_acRoom.at(static_cast<std::size_t>(pool));
+    const Clock::duration longest = room.longestRoom(entered, now);
+    if (longest > now - entered - WriterWait + TooLong)
+        return Wait::Room;
+    return longest > Moment || room.unseen(entered, now) > TooLong ? Wait::Unclear : Wait::Full;
 }
 
 bool SoakLedger::take(Pool pool, std::uint32_t writer, std::uint64_t number)
@@ -42,18 +68,25 @@ void SoakLedger::excuseAllOf(Pool pool)
 void SoakLedger::close()
 {
     const std::lock_guard<std::mutex> guard(m_cMutex);
-    for (const auto& [key, entry] : m_mapOnTheirWay) {
-        if (entry.m_bExcused)
-            ++m_cCounts.m_nCleared;
-        else if (!entry.m_bThere)
-            ++m_cCounts.m_nUnknown;
-        else if (entry.m_bDoubtful)
-            ++m_cCounts.m_nDoubtful;
-        else
-            addProblem("lost: " + nameOf(key));
-    }
+    for (const auto& [key, entry] : m_mapOnTheirWay)
+        judge(key, entry);
     m_mapOnTheirWay.clear();
     m_mapLastNumber.clear();
+}
+
+/// Counts a picture that never came out, or names it as lost.
+void SoakLedger::judge(const Key& key, const Entry& entry)
+{
+    if (entry.m_bExcused)
+        ++m_cCounts.m_nCleared;
+    else if (!entry.m_bThere || (entry.m_eWait == Wait::None && !entry.m_bCertain))
+        ++m_cCounts.m_nUnknown;
+    else if (entry.m_eWait == Wait::Full)
+        ++m_cCounts.m_nRefused;
+    else if (entry.m_eWait == Wait::Unclear || !entry.m_bCertain)
+        ++m_cCounts.m_nDoubtful;
+    else
+        addProblem((entry.m_eWait == Wait::Room ? "lost although there was room: " : "lost: ") + nameOf(key));
 }
 
 void SoakLedger::report(const std::string& problem)

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "soakRoom.h"
+
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <map>
@@ -12,8 +15,8 @@
  * The book of all pictures that are on their way through a memory disk. Any thread.
  *
  * A picture is entered before it is put onto a disk, and struck out when it is taken off. What was put there and never
- * comes out again is lost, unless the disk had no room for as long as a writer waits or its waiting pictures were
- * cleared by the user.
+ * comes out again is lost, unless its writer waited for as long as it ever waits and the disk was seen to have no room
+ * meanwhile, or its waiting pictures were cleared by the user.
  */
 class SoakLedger
 {
@@ -23,13 +26,30 @@ public:
     struct Counts
     {
         long long m_nTaken = 0;
-        long long m_nDoubtful = 0;  ///< Perhaps refused: the writer waited for as long as it ever waits.
-        long long m_nUnknown = 0;   ///< The run ended between entering the picture and putting it there.
+        long long m_nRefused = 0;   ///< The writer waited for as long as it ever waits, and there was no room.
+        long long m_nDoubtful = 0;  ///< The same, but whether there was no room was not seen well enough.
+        long long m_nUnknown = 0;   ///< A stop request came between entering the picture and putting it there.
         long long m_nCleared = 0;   ///< Perhaps cleared by the user.
+
+        /// Empty when what is not known is only a small part.
+        std::string problem() const
+        {
+            constexpr int Few = 10;
+            constexpr int OneOf = 100;
+            const long long unknown = m_nDoubtful + m_nUnknown;
+            if (unknown > Few + m_nTaken / OneOf)
+                return "too many pictures of which nothing is known: " + std::to_string(unknown);
+            return {};
+        }
     };
 
+    static constexpr int PoolNum = 12;
+    void see(const std::array<bool, PoolNum>& hasRoom);  ///< To be called every few milliseconds.
+
     std::uint64_t enter(Pool pool, std::uint32_t writer);
-    void putThere(Pool pool, std::uint32_t writer, std::uint64_t number);
+
+    /// @param certain false when the run was ended by a stop request, and it may not have come to the writing at all
+    void putThere(Pool pool, std::uint32_t writer, std::uint64_t number, bool certain);
 
     /// False when no such picture is on its way.
     bool take(Pool pool, std::uint32_t writer, std::uint64_t number);
@@ -44,24 +64,35 @@ public:
     Counts counts();
 
 private:
-    static constexpr int WriterWaitMs = 1000;
-    using Clock = std::chrono::steady_clock;
+    using Clock = SoakRoom::Clock;
 
+    /// What is known of the time for which a writer waited for room.
+    enum class Wait
+    {
+        None,     ///< It did not wait until it gave up.
+        Full,     ///< There was no room.
+        Unclear,  ///< There was room for a moment, or nobody looked.
+        Room,     ///< There was room for so long that the writer must have got it.
+    };
     struct Entry
     {
         Clock::time_point m_cEntered;
+        Wait m_eWait = Wait::None;
         bool m_bThere = false;
-        bool m_bDoubtful = false;
+        bool m_bCertain = false;
         bool m_bExcused = false;
     };
     using Key = std::tuple<Pool, std::uint32_t, std::uint64_t>;
 
+    Wait waitOf(Pool pool, Clock::time_point entered, Clock::time_point now) const;
+    void judge(const Key& key, const Entry& entry);
     void addProblem(const std::string& problem);
     static std::string nameOf(const Key& key);
 
     std::mutex m_cMutex;  ///< Guards all below.
     std::map<Key, Entry> m_mapOnTheirWay;
     std::map<std::uint32_t, std::uint64_t> m_mapLastNumber;  ///< Of each writer.
+    std::array<SoakRoom, PoolNum> m_acRoom;                  ///< Of each pool.
     std::vector<std::string> m_vecProblems;
     Counts m_cCounts;
 };

@@ -3,6 +3,8 @@
 #include "pluginFolders.h"
 #include "soakLedger.h"
 
+#include <array>
+
 /// The soak's own libraries beside the program, and what they tell; they are loaded by the real discovery.
 class SoakLibraries
 {
@@ -29,6 +31,10 @@ public:
     {
         PluginFolders::function<void (*)(int, bool)>(s_strProbe, "soakExcuse")(disk, colour);
     }
+
+    /// What is to be told, every few milliseconds, which pools have a free slot.
+    using See = void (*)(const std::array<bool, SoakLedger::PoolNum>*);
+    static See see() { return PluginFolders::function<See>(s_strProbe, "soakSee"); }
 
     static void close() { PluginFolders::function<void (*)()>(s_strProbe, "soakClose")(); }
 

@@ -1,7 +1,9 @@
 // Weeks in minutes: 32 tasks of all kinds under a user who does everything that the window offers, in random order.
 //     lumivantSoak MINUTES SEED
+#include "folderThread.h"
 #include "mainwindow.h"
 #include "memoryArenas.h"
+#include "soakDisks.h"
 #include "soakDriver.h"
 #include "soakLibraries.h"
 
@@ -25,9 +27,9 @@ void printTally(const SoakDriver& driver, const SoakWatchdog& watchdog, quint64 
                 static_cast<unsigned long long>(seed), minutes, tally.m_nRounds, tally.m_nOperations, tally.m_nStarted,
                 tally.m_nBoxes);
     std::printf(
-        "pictures handed over: %lld; cleared by the user %lld, refused by a full disk %lld at most, ended with "
-        "their run %lld at most\n",
-        counts.m_nTaken, counts.m_nCleared, counts.m_nDoubtful, counts.m_nUnknown);
+        "pictures handed over: %lld; cleared by the user %lld at most, refused by a full disk %lld and perhaps %lld, "
+        "ended with their run %lld at most\n",
+        counts.m_nTaken, counts.m_nCleared, counts.m_nRefused, counts.m_nDoubtful, counts.m_nUnknown);
     std::printf("longest absence of the window: %d ms, in: %s\n", watchdog.longestMs(), watchdog.longestIn());
     if (driver.m_cGrowth.samples().isEmpty())
         return;
@@ -55,6 +57,8 @@ int soak(double minutes, quint64 seed)
     SoakWatchdog watchdog(WatchdogMs);
     MainWindow window;
     window.show();
+    static_cast<void>(SoakDisks::fillAndEmpty());  // the largest buffers at once: what grows afterwards is no warm-up
+    const SoakDiskWatch diskWatch;
     SoakDriver driver(window, watchdog, folder.path(), seed, static_cast<qint64>(minutes * 60000));
     QObject::connect(&driver, &SoakDriver::done, qApp, &QApplication::quit);
     QApplication::exec();

@@ -13,15 +13,6 @@
 #include <QSplitter>
 #include <QTableWidget>
 
-#if defined(__SANITIZE_THREAD__)
-extern "C" {
-void AnnotateIgnoreReadsBegin(const char* file, int line);
-void AnnotateIgnoreReadsEnd(const char* file, int line);
-void AnnotateIgnoreWritesBegin(const char* file, int line);
-void AnnotateIgnoreWritesEnd(const char* file, int line);
-}
-#endif
-
 namespace {
 
 const QString StartText = QStringLiteral("执行任务");
@@ -222,7 +213,7 @@ void SoakDriver::saveProject()
 {
     m_strFileName = m_strFolder + QStringLiteral("/kept.lmv");
     m_bYes = true;  // also to the question of the file dialog itself
-    triggerWithFileDialog("saveOptionAs");
+    trigger("saveOptionAs");
     if (!QFile::exists(m_strFileName))
         m_strProblem = QStringLiteral("the saved project is not there");
 }
@@ -232,7 +223,7 @@ void SoakDriver::reopenProject()
     m_strFileName = m_strFolder + QStringLiteral("/kept.lmv");
     if (!QFile::exists(m_strFileName))
         return;
-    triggerWithFileDialog("openOption");
+    trigger("openOption");
     if (!m_cWindow.windowTitle().endsWith(QStringLiteral("kept.lmv")))
         m_strProblem = QStringLiteral("the saved project did not open");
     startAll();
@@ -259,20 +250,6 @@ QWidget* SoakDriver::anyPage()
 void SoakDriver::trigger(const char* action)
 {
     child<QAction>(action)->trigger();
-}
-
-/// Qt's file dialog reads folders on a thread of its own, under locks that the thread sanitizer does not see.
-void SoakDriver::triggerWithFileDialog(const char* action)
-{
-#if defined(__SANITIZE_THREAD__)
-    AnnotateIgnoreReadsBegin(__FILE__, __LINE__);
-    AnnotateIgnoreWritesBegin(__FILE__, __LINE__);
-#endif
-    trigger(action);
-#if defined(__SANITIZE_THREAD__)
-    AnnotateIgnoreWritesEnd(__FILE__, __LINE__);
-    AnnotateIgnoreReadsEnd(__FILE__, __LINE__);
-#endif
 }
 
 void SoakDriver::press(QPushButton* button)

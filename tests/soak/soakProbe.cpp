@@ -1,6 +1,7 @@
 // The soak's own steps. Option "role;disk;kind;id;result" with kind RGB or Gray8, id that of the picture's record:
 //   stamp    gives the picture its number on the way to a memory disk; stands before the writing step
 //   put      stands behind the writing step
+//   ended    as an end-of-task step: the same for a pass that was ended by a stop request
 //   taken    checks a picture that came from a memory disk
 //   last     as an end-of-task step: the same for a picture whose pass was ended by a stop request
 //   check    checks a picture that came from a source
@@ -204,7 +205,9 @@ char* execute(char* text, ArithmParamMgr* store)
     if (option.m_strRole == "stamp")
         stamp(option, pictureOf(option, store));
     else if (option.m_strRole == "put")
-        ledger().putThere(option.pool(), run().m_nNumber, run().m_mapStamped[option.pool()]);
+        ledger().putThere(option.pool(), run().m_nNumber, run().m_mapStamped[option.pool()], true);
+    else if (option.m_strRole == "ended")
+        ledger().putThere(option.pool(), run().m_nNumber, run().m_mapStamped[option.pool()], false);
     else if (option.m_strRole == "taken")
         taken(option, pictureOf(option, store));
     else if (option.m_strRole == "last")
@@ -230,6 +233,11 @@ LUMIVANT_EXPORT void soakTake(int disk, bool colour, const unsigned char* pixels
 LUMIVANT_EXPORT void soakExcuse(int disk, bool colour)
 {
     ledger().excuseAllOf(disk * 2 + (colour ? 0 : 1));
+}
+
+LUMIVANT_EXPORT void soakSee(const std::array<bool, SoakLedger::PoolNum>* hasRoom)
+{
+    ledger().see(*hasRoom);
 }
 
 LUMIVANT_EXPORT void soakClose()

@@ -8,6 +8,7 @@ QString s_strScratch;
 
 constexpr int AtTaskEnd = 999999999;
 constexpr int DiskNum = 6;
+constexpr int CrowdedDisk = 5;  ///< Its colour pictures come faster than they go: there a writer waits each time.
 
 /// Pictures of a task: where they lie in its store, and of which kind they are.
 struct Record
@@ -55,7 +56,7 @@ QString diskSource(int disk, const Record& record)
     return source(QStringLiteral("Memory Disk %1").arg(disk), QString(), record);
 }
 
-/// The three steps that hand a picture on.
+/// The three steps that hand a picture on, and what sees at the end of the task whether they did.
 QString handOn(int disk, const Record& record)
 {
     const QString option = QStringLiteral("<MemDisk>%1</MemDisk><InputID>%2</InputID><InputType>%3</InputType>")
@@ -64,7 +65,8 @@ QString handOn(int disk, const Record& record)
                                .arg(record.type());
     return probe(QStringLiteral("stamp"), disk, record) +
            stepText(QStringLiteral("KW_MemoryDisk"), QStringLiteral("写内存盘"), option) +
-           probe(QStringLiteral("put"), disk, record);
+           probe(QStringLiteral("put"), disk, record) +
+           probe(QStringLiteral("ended"), disk, record, QString(), AtTaskEnd);
 }
 
 /// The two steps that see every picture taken off a disk.
@@ -119,9 +121,14 @@ QString printing(const Record& record)
            probe(QStringLiteral("result"), 0, record, QStringLiteral("<CMD>print:a picture came</CMD>"));
 }
 
+QString slow(int ms)
+{
+    return stepText(QStringLiteral("Test.Slow"), QStringLiteral("Slow"), QString::number(ms));
+}
+
 QString otherPlugins(SoakChance& chance)
 {
-    return stepText(QStringLiteral("Test.Slow"), QStringLiteral("Slow"), QString::number(chance.below(40))) +
+    return slow(chance.below(40)) +
            stepText(QStringLiteral("Test.Trace"), QStringLiteral("Trace"), QStringLiteral("x"), 5);
 }
 
@@ -137,6 +144,7 @@ const char* const ManySizes = "sizes=160x120,64x8,320x240,33x41,250x1,400x300;";
 QString bodyOf(int kind, const QString& name, SoakChance& chance)
 {
     const Record record{!chance.oneIn(3), 1 + chance.below(3)};
+    const Record crowded;
     const int disk = chance.below(DiskNum);
     const QString pace = wait(2 + chance.below(30));
     const QString check = probe(QStringLiteral("check"), 0, record);
@@ -167,6 +175,11 @@ QString bodyOf(int kind, const QString& name, SoakChance& chance)
         return camera(pace, record) + failing(record, chance);
     case 10:  // prints, and runs the other libraries
         return camera(pace, record) + printing(record) + otherPlugins(chance);
+    case 11:  // puts onto the crowded disk
+        return camera(wait(1 + chance.below(5)), crowded) + probe(QStringLiteral("check"), 0, crowded) +
+               handOn(CrowdedDisk, crowded);
+    case 12:  // takes from it, slowly
+        return diskSource(CrowdedDisk, crowded) + takeOff(CrowdedDisk, crowded) + slow(30 + chance.below(50));
     default:  // reads, and saves what it read
         return diskSource(disk, record) + takeOff(disk, record) + saving(4, record, name, chance, 40) +
                otherPlugins(chance);

@@ -22,7 +22,7 @@ private:
 /// Texts of tasks of all kinds, as a project file holds them.
 namespace SoakProject {
 
-constexpr int KindNum = 12;
+constexpr int KindNum = 14;
 
 /// Where saving steps write to; made by the caller.
 void setScratchFolder(const QString& folder);

@@ -144,21 +144,23 @@ QString SoakGrowth::countProblem() const
 QString SoakGrowth::memoryProblem() const
 {
     constexpr qint64 MostAllocated = 128 * 1024;
+    constexpr qint64 MostAllocatedOfFew = 384 * 1024;
+    constexpr int Few = 4;  // among so few samples each may have caught the passing 150 KiB of the same thing
     constexpr qint64 MostResident = 6 * 1024 * 1024;
-    constexpr int FewestOfAThird = 2;
     const int begin = warmUp();
     const int end = m_vecSamples.size();
     const int third = (end - begin) / 3;
-    if (third < FewestOfAThird)
+    if (end < FewestSamples)
         return {};
-    for (const auto& [value, most] :
-         {std::pair(&SoakSample::m_nAllocated, MostAllocated), std::pair(&SoakSample::m_nResident, MostResident)}) {
-        const qint64 grown =
-            leastOf(m_vecSamples, end - third, end, value) - leastOf(m_vecSamples, begin, begin + third, value);
-        if (grown > most)
-            return QStringLiteral("memory grew by %1 KiB: ").arg(grown / 1024) + m_vecSamples.last().toString();
-    }
-    return {};
+    const auto grown = [this, begin, end, third](qint64 SoakSample::*value) {
+        return leastOf(m_vecSamples, end - third, end, value) - leastOf(m_vecSamples, begin, begin + third, value);
+    };
+    const qint64 allocated = grown(&SoakSample::m_nAllocated);
+    const qint64 resident = grown(&SoakSample::m_nResident);
+    if (allocated <= (third < Few ? MostAllocatedOfFew : MostAllocated) && resident <= MostResident)
+        return {};
+    return QStringLiteral("memory grew by %1 KiB, resident by %2 KiB: ").arg(allocated / 1024).arg(resident / 1024) +
+           m_vecSamples.last().toString();
 }
 
 // ---- SoakWatchdog ---------------------------------------------------------------------------------------------------

@@ -29,6 +29,8 @@ struct SoakSample
 class SoakGrowth
 {
 public:
+    static constexpr int FewestSamples = 8;  ///< With fewer nothing can be said of memory.
+
     void add(const SoakSample& sample) { m_vecSamples.append(sample); }
     QString problem() const;  ///< Empty when nothing grew.
 
