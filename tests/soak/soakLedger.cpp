@@ -71,6 +71,7 @@ void SoakLedger::close()
     for (const auto& [key, entry] : m_mapOnTheirWay)
         judge(key, entry);
     m_mapOnTheirWay.clear();
+    m_cCounts.m_nWriters += static_cast<long long>(m_mapLastNumber.size());
     m_mapLastNumber.clear();
 }
 

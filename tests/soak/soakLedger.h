@@ -2,6 +2,7 @@
 
 #include "soakRoom.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdint>
@@ -31,14 +32,18 @@ public:
         long long m_nUnknown = 0;   ///< A stop request came between entering the picture and putting it there.
         long long m_nCleared = 0;   ///< Perhaps cleared by the user.
 
-        /// Empty when what is not known is only a small part.
+        long long m_nWriters = 0;  ///< Runs that entered pictures: each is stopped once at most.
+
+        /// Empty when what is not known is only a small part of what was handed over, or of the runs that were stopped.
         std::string problem() const
         {
-            constexpr int Few = 10;
+            constexpr long long Few = 10;
             constexpr int OneOf = 100;
-            const long long unknown = m_nDoubtful + m_nUnknown;
-            if (unknown > Few + m_nTaken / OneOf)
-                return "too many pictures of which nothing is known: " + std::to_string(unknown);
+            constexpr int OneOfWriters = 3;
+            if (m_nDoubtful > Few + m_nTaken / OneOf)
+                return "too many pictures were perhaps refused: " + std::to_string(m_nDoubtful);
+            if (m_nUnknown > Few + std::max(m_nTaken / OneOf, m_nWriters / OneOfWriters))
+                return "too many pictures ended with their run: " + std::to_string(m_nUnknown);
             return {};
         }
     };

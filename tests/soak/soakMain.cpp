@@ -28,8 +28,9 @@ void printTally(const SoakDriver& driver, const SoakWatchdog& watchdog, quint64 
                 tally.m_nBoxes);
     std::printf(
         "pictures handed over: %lld; cleared by the user %lld at most, refused by a full disk %lld and perhaps %lld, "
-        "ended with their run %lld at most\n",
-        counts.m_nTaken, counts.m_nCleared, counts.m_nRefused, counts.m_nDoubtful, counts.m_nUnknown);
+        "ended with one of %lld runs %lld at most\n",
+        counts.m_nTaken, counts.m_nCleared, counts.m_nRefused, counts.m_nDoubtful, counts.m_nWriters,
+        counts.m_nUnknown);
     std::printf("longest absence of the window: %d ms, in: %s\n", watchdog.longestMs(), watchdog.longestIn());
     if (driver.m_cGrowth.samples().isEmpty())
         return;
