@@ -23,7 +23,7 @@ void showCount(QProgressBar* bar, int total, int value)
 }  // namespace
 
 DlgMemoryDiskStatus::DlgMemoryDiskStatus(QWidget* parent)
-    : QDialog(parent), m_pcUi(std::make_unique<Ui::DlgMemoryDiskStatus>()), m_pcTimer(new QTimer(this))
+    : QDialog(parent), m_pcUi(std::make_unique<Ui::DlgMemoryDiskStatus>())
 {
     m_pcUi->setupUi(this);
     setWindowFlags(windowFlags() | Qt::WindowStaysOnTopHint);
@@ -34,15 +34,14 @@ DlgMemoryDiskStatus::DlgMemoryDiskStatus(QWidget* parent)
         showCount(group.m_pcProcessing, SlotNum, 0);
         showCount(group.m_pcWaiting, SlotNum, 0);
     }
-    connect(m_pcTimer, &QTimer::timeout, this, &DlgMemoryDiskStatus::OnTimer);
-    m_pcTimer->start(FirstIntervalMs);
+    connect(&m_cTimer, &QTimer::timeout, this, &DlgMemoryDiskStatus::OnTimer);
+    m_cTimer.start(FirstIntervalMs);
 }
 
 DlgMemoryDiskStatus::~DlgMemoryDiskStatus()
 {
-    m_pcTimer->stop();
-    m_pcTimer->disconnect();
-    delete m_pcTimer;
+    m_cTimer.stop();
+    m_cTimer.disconnect();
 }
 
 void DlgMemoryDiskStatus::OnTimer()
@@ -106,8 +105,8 @@ void DlgMemoryDiskStatus::on_cmbDataType2_currentIndexChanged(int index)
 
 void DlgMemoryDiskStatus::on_comboBox_currentIndexChanged(int index)
 {
-    m_pcTimer->stop();
-    m_pcTimer->start(100 + 100 * index);
+    m_cTimer.stop();
+    m_cTimer.start(100 + 100 * index);
 }
 
 // ---- Dropping what waits --------------------------------------------------------------------------------------------

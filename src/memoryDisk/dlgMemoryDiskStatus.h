@@ -63,6 +63,6 @@ private:
     void clearWaiting(const Group& group);
 
     std::unique_ptr<Ui::DlgMemoryDiskStatus> m_pcUi;
-    QTimer* m_pcTimer;  ///< A child of this window.
+    QTimer m_cTimer;
     std::array<Group, GroupNum> m_acGroups;
 };
