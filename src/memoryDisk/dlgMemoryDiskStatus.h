@@ -63,6 +63,6 @@ private:
     void clearWaiting(const Group& group);
 
     std::unique_ptr<Ui::DlgMemoryDiskStatus> m_pcUi;
-    QTimer m_cTimer;
+    QTimer m_cTimer{this};
     std::array<Group, GroupNum> m_acGroups;
 };

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void cancelledSourceChoiceChangesNothing();
     void chosenSourceReplacesTheOldOneAndItsText();
     void deletingATaskRemovesItsSourceInstance();
+    void textThatIsReadAgainReplacesTheSource();
     void deletedTaskGivesItsPicturesBack();
 
     void unknownIdFindsNothingAndAddsNothing();
@@ -354,6 +355,16 @@ void tstTaskModel::chosenSourceReplacesTheOldOneAndItsText()
     QCOMPARE(task->getDataSourceConfig(),
              QStringLiteral("<DSName>Memory Disk 0</DSName><OutputName>other</OutputName><OutputDescribe>"
                             "</OutputDescribe><OutputType>RGB</OutputType><OutputID>1</OutputID><Config></Config>"));
+    QCOMPARE(Probes::sourceCalls("removeInstance"), 1);
+}
+
+void tstTaskModel::textThatIsReadAgainReplacesTheSource()
+{
+    const auto task = makeTask({});
+
+    task->fromString(QStringLiteral("<-DataSource-><DSName>Memory Disk 0</DSName></-DataSource->"));
+
+    QVERIFY(task->getDataSourceInstance());
     QCOMPARE(Probes::sourceCalls("removeInstance"), 1);
 }
 
