@@ -45,7 +45,7 @@ double medianOf(std::vector<double>& values)
     return *middle;
 }
 
-/// A step and an empty indirect call in turns of some microseconds: what else the machine does then touches both alike,
+/// A step and an empty indirect call in turns of some tens of microseconds: what else the machine does then touches both alike,
 /// and the medians of all turns leave out those in which somebody else had the processor. A step is what 50 more of
 /// them add to a pass.
 void step(benchmark::State& state)

@@ -34,7 +34,8 @@ double number(FuzzInput& input)
     const int kind = input.byte();
     if (kind < 100)
         return kind - 10;
-    const int wide = input.byte() << 8 | input.byte();
+    const int high = input.byte();
+    const int wide = high << 8 | input.byte();
     if (kind < 170)
         return (wide - 4096) / 256.0;
     if (kind < 240)
@@ -88,8 +89,10 @@ GreyOverlay overlayOf(FuzzInput& input)
 void replaceAsThePainter(QImage canvas, const QImage& picture, const QRectF& source)
 {
     const QImage before = canvas.copy();
-    if (!DirectDrawing::replace(canvas, picture, source))
+    if (!DirectDrawing::replace(canvas, picture, source)) {
+        Fuzz::expect(source != QRectF(picture.rect()), "a whole picture is drawn");
         return Fuzz::expect(canvas == before, "a picture that is not drawn leaves the canvas alone");
+    }
     QImage black(canvas.size(), canvas.format());
     black.fill(Qt::black);
     const QImage wanted = painted(black, picture.convertToFormat(QImage::Format_RGB888), source);

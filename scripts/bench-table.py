@@ -59,7 +59,7 @@ def shown(value, unit="ns"):
 
 
 class Times:
-    """Medians of the benchmarks by name, how far their repetitions lie apart, and what they counted."""
+    """Medians of the benchmarks by name, how far their repetitions lie apart, and the same of what they counted."""
 
     def __init__(self, paths):
         runs = []
@@ -70,7 +70,7 @@ class Times:
         ours = sorted(why for why in failed if not why.endswith(PEER_IS_MISSING))
         if ours:
             sys.exit("bench: failed: " + "; ".join(ours))
-        self.median, self.spread, self.counted = {}, {}, {}
+        self.median, self.spread, self.counted, self.counted_spread = {}, {}, {}, {}
         for run in runs:
             if run.get("error_occurred"):
                 continue
@@ -80,6 +80,7 @@ class Times:
                 self.counted[name] = run
             elif run.get("aggregate_name") == "cv":
                 self.spread[name] = run["real_time"]
+                self.counted_spread[name] = run
 
     def __getitem__(self, name):
         return self.median.get(name)
@@ -94,7 +95,7 @@ def step_rows(time):
     above = {length: counted["step"] - counted["call"] for length, counted in steps.items()}
     for length in (20, 200):
         yield Row(f"engine's part of a step, {length} characters, above the call", above[length], most=20,
-                  spread=time.spread.get(f"step/{length}/0"))
+                  spread=time.counted_spread[f"step/{length}/0"]["step"])
     yield Row("the same, 200 characters above 20", above[200] - above[20], most=5)
     yield Row("the same, 2000 characters, above the call", above[2000])
     yield Row("a step whose result is a command", time.counted["step/20/1"]["step"])

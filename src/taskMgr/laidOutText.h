@@ -40,7 +40,7 @@ private:
         int m_nValue = 0;
     };
 
-    /// Texts of which a project has few, each in many steps: the steps then share its memory.
+    /// A project has few such texts, each in many steps: steps with equal texts share one, unless others push it out.
     class RecentTexts
     {
     public:

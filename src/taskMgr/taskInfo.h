@@ -150,8 +150,9 @@ private:
 
     // ---- Passes (taskInfoPass.cpp) ----------------------------------------------------------------------------------
     bool runStep(qint64& index, QString& message, bool showTime);
-    bool prepareStep(TaskItem& item);               ///< False when the algorithm does not exist.
-    const char* executeStep(const TaskItem& item);  ///< Of a prepared step; the algorithm's own text or null.
+    // Inline where passes are made; nobody else calls them.
+    inline bool prepareStep(TaskItem& item);               ///< False when the algorithm does not exist.
+    inline const char* executeStep(const TaskItem& item);  ///< Of a prepared step; the algorithm's own text or null.
     const char* executeTimed(const TaskItem& item, qint64& ms);
 
     /// Reads the commands in the result text of a step; false when the pass is to end.

@@ -37,22 +37,6 @@ private:
     bool m_bActive;
 };
 
-/// A clock that is only read where somebody wants to know: reading it costs more than the rest of a step.
-class Stopwatch
-{
-public:
-    explicit Stopwatch(bool active) : m_bActive(active)
-    {
-        if (active)
-            m_cTimer.start();
-    }
-    qint64 elapsedMs() const { return m_bActive ? m_cTimer.elapsed() : 0; }
-
-private:
-    bool m_bActive;
-    QElapsedTimer m_cTimer;
-};
-
 bool hasTurn(const TaskItem& item)
 {
     return !item.runsAtTaskEnd() && (item.m_nMaxExeTimes < 0 || item.m_nExeTimes < item.m_nMaxExeTimes);
@@ -108,12 +92,14 @@ bool TaskInfo::runOnce(QString& message, bool resetAfter, int lastStep, int time
         return false;
     }
     const CounterReset reset(*this, resetAfter);
-    const Stopwatch passTime(timeoutMs >= 0);
+    QElapsedTimer passTime;  // read only where it is asked for: reading it costs more than the rest of a step
+    if (timeoutMs >= 0)
+        passTime.start();
     if (!m_pcDataSource->execute())
         return true;
     const int last = lastStep < 0 ? m_lstItems.size() - 1 : lastStep;
     for (qint64 index = 0; index <= last; ++index) {
-        if (timeoutMs >= 0 && passTime.elapsedMs() > timeoutMs) {
+        if (timeoutMs >= 0 && passTime.elapsed() > timeoutMs) {
             message = TaskMessages::timeOut();
             return false;
         }
@@ -230,7 +216,7 @@ void TaskInfo::runTaskEndSteps(QString& message, ErrorWording wording)
         if (!item.runsAtTaskEnd())
             continue;
         if (!prepareStep(item)) {
-            message = TaskMessages::arithmNotExisted(item.m_strArithmName);
+            sayNotExisted(item, message);
             return;
         }
         QString result = QString::fromUtf8(executeStep(item));

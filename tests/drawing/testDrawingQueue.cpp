@@ -465,10 +465,16 @@ void TestDrawingQueue::viewThatGoesWhileAStepWaitsForItHoldsNobodyUp()
     for (int round = 0; round < 2000 && gone < 5; ++round) {
         registry().addView(0, nullptr);
         GlobalFunction::ViewDrawOption* held = registry().requestViewDrawOption(0);
+        std::atomic<bool> asks{false};
         std::atomic<bool> found{false};
+        std::thread step([&asks, &found] {
+            asks = true;
+            found = static_cast<bool>(ViewRecord(0));
+        });
+        while (!asks)
+            std::this_thread::yield();
         std::thread remover([] { registry().removeView(0); });
-        std::thread step([&found] { found = static_cast<bool>(ViewRecord(0)); });
-        QTest::qSleep(1);  // both wait; who comes first then is chance
+        QTest::qSleep(1);  // both most likely wait; who comes first then is chance
         registry().releaseViewDrawOption(0, held);
         remover.join();
         step.join();

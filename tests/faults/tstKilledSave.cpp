@@ -7,6 +7,7 @@
 #include <sys/prctl.h>
 
 #include <chrono>
+#include <csignal>
 #include <random>
 #include <thread>
 
@@ -61,9 +62,12 @@ bool killOneSave(const WindowFixture& fixture, const KillRequest& request)
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0)
         return false;
+    const pid_t child = ::getpid();
     const pid_t saving = ::fork();
     if (saving == 0) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // or it would save for ever should the child itself be ended
+        if (::getppid() != child)
+            ::_exit(1);
         saveForever(fixture, request.m_nFirst, ends[1]);
     }
     ::close(ends[1]);
@@ -112,6 +116,7 @@ void tstKilledSave::projectIsTheOldOrTheNewOneAfterAHundredKills()
     QVERIFY(texts[0] != texts[1] && texts[0].size() > 500000);
     writeFile(path, texts[0]);
     int requests[2];
+    std::signal(SIGPIPE, SIG_IGN);  // a child that has ended is told by what it did not do
     QVERIFY(::pipe2(requests, O_CLOEXEC) == 0);
     QVERIFY(::fcntl(requests[0], F_SETFD, 0) == 0);  // the child's end
     ChildProcess child({QStringLiteral("save"), path, QString::number(requests[0])});

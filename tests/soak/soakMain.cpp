@@ -58,7 +58,11 @@ int soak(double minutes, quint64 seed)
     SoakWatchdog watchdog(WatchdogMs);
     MainWindow window;
     window.show();
-    static_cast<void>(SoakDisks::fillAndEmpty());  // the largest buffers at once: what grows afterwards is no warm-up
+    // The largest buffers at once: what grows afterwards is no warm-up.
+    if (const QString problem = SoakDisks::fillAndEmpty(); !problem.isEmpty()) {
+        std::printf("FAILED: %s\n", qPrintable(problem));
+        return EXIT_FAILURE;
+    }
     const SoakDiskWatch diskWatch;
     SoakDriver driver(window, watchdog, folder.path(), seed, static_cast<qint64>(minutes * 60000));
     QObject::connect(&driver, &SoakDriver::done, qApp, &QApplication::quit);
