@@ -91,15 +91,15 @@ class Times:
 
 
 def step_rows(time):
-    steps = {length: time.counted[f"step/{length}/0"] for length in (20, 200, 2000)}
-    above = {length: counted["step"] - counted["call"] for length, counted in steps.items()}
+    step, spread = time.counted["step"], time.counted_spread["step"]
+    above = {length: step[f"step{length}"] - step["call"] for length in (20, 200, 2000)}
     for length in (20, 200):
         yield Row(f"engine's part of a step, {length} characters, above the call", above[length], most=20,
-                  spread=time.counted_spread[f"step/{length}/0"]["step"])
+                  spread=spread[f"step{length}"])
     yield Row("the same, 200 characters above 20", above[200] - above[20], most=5)
     yield Row("the same, 2000 characters, above the call", above[2000])
-    yield Row("a step whose result is a command", time.counted["step/20/1"]["step"])
-    yield Row("an empty indirect call", steps[20]["call"])
+    yield Row("a step whose result is a command", step["command"])
+    yield Row("an empty indirect call", step["call"])
     yield time.row("pass over 51 steps that do nothing / GStreamer, 50 identities", "pass/51/20",
                    peer="identityChain/50", peer_goal=1 / 6)
 
