@@ -467,14 +467,15 @@ void TestDrawingQueue::viewThatGoesWhileAStepWaitsForItHoldsNobodyUp()
         GlobalFunction::ViewDrawOption* held = registry().requestViewDrawOption(0);
         std::atomic<bool> asks{false};
         std::atomic<bool> found{false};
+        std::thread remover([] { registry().removeView(0); });
+        QTest::qSleep(1);
         std::thread step([&asks, &found] {
             asks = true;
             found = static_cast<bool>(ViewRecord(0));
         });
         while (!asks)
             std::this_thread::yield();
-        std::thread remover([] { registry().removeView(0); });
-        QTest::qSleep(1);  // both most likely wait; who comes first then is chance
+        QTest::qSleep(1);  // both most likely wait, and most likely the first one goes on first
         registry().releaseViewDrawOption(0, held);
         remover.join();
         step.join();
