@@ -79,12 +79,12 @@ configure_and_build() {
     run_logged "build/$preset-build.log" "Building ($preset)" "${build[@]}"
 }
 
-# run_tests PRESET [ARGUMENT…]: every test of a build, two at a time for each processor, for many wait for a time-out or
-# a thread more than they compute; arguments go to ctest.
+# run_tests PRESET [ARGUMENT…]: every test of a build, three at a time for each processor, for many wait for a time-out,
+# the disk or a thread more than they compute; arguments go to ctest.
 run_tests() {
     local preset="$1"
     shift
-    ctest --test-dir "build/$preset" --parallel "$(($(nproc) * 2))" --output-on-failure --no-tests=error "$@"
+    ctest --test-dir "build/$preset" --parallel "$(($(nproc) * 3))" --output-on-failure --no-tests=error "$@"
 }
 
 mkdir -p build
