@@ -14,9 +14,7 @@
 #include <benchmark/benchmark.h>
 
 #include <chrono>
-#include <cstring>
 #include <memory>
-#include <vector>
 
 namespace {
 
@@ -63,17 +61,6 @@ constexpr int KindNum = static_cast<int>(std::size(Kinds));
 QString textOf(int kind)
 {
     return QStringLiteral("<DataID>1</DataID>") + QLatin1String(Kinds[kind]);
-}
-
-void canvasCopy(benchmark::State& state)
-{
-    const QImage canvas(CanvasWidth, CanvasHeight, QImage::Format_RGB888);
-    const auto bytes = static_cast<std::size_t>(canvas.sizeInBytes());
-    std::vector<unsigned char> target(bytes);
-    for (auto _ : state) {
-        std::memcpy(target.data(), canvas.constBits(), bytes);
-        benchmark::ClobberMemory();
-    }
 }
 
 /// Option text to canvas: the copy of the pixels, too.
@@ -123,7 +110,6 @@ void drawByPainter(benchmark::State& state)
     }
 }
 
-BENCHMARK(canvasCopy);
 BENCHMARK(drawPicture)->DenseRange(0, KindNum - 1);
 BENCHMARK(drawOption)->DenseRange(0, KindNum - 1)->UseManualTime();
 BENCHMARK(drawByPainter);
