@@ -130,26 +130,27 @@ private:
         return static_cast<Pixel>(qRed(colour) | qGreen(colour) << 8 | qBlue(colour) << 16);
     }
 
-    /// Eight pixels, of values that are read at once; two with each store, whose last two bytes the next one
-    /// overwrites.
-    void storeEight(const unsigned char* grey, unsigned char* target) const
+    /// Two pixels and two bytes behind them.
+    void storeTwo(const unsigned char* grey, unsigned char* target) const
     {
-        static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "the first value is the lowest byte, the lower pixel in front");
-        std::uint64_t values = 0;
-        std::memcpy(&values, grey, sizeof values);
-        for (int pair = 0; pair < 4; ++pair, values >>= 16) {
-            const std::uint64_t two = m_aColours[values & 0xFF] | m_aBehind[values >> 8 & 0xFF];
-            std::memcpy(target + 6 * pair, &two, sizeof two);
-        }
+        static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "the lower pixel stands in front");
+        const std::uint64_t two = m_aColours[grey[0]] | m_aBehind[grey[1]];
+        std::memcpy(target, &two, sizeof two);
     }
 
+    /// What is stored behind two pixels is theirs who come next; there is room for it behind the last ones, too.
     void fill(const unsigned char* grey)
     {
+        constexpr int Block = 8;  // pixels
         unsigned char* target = m_vecRgb.data();
         const unsigned char* const end = grey + m_nCount;
-        for (; end - grey >= 8; grey += 8, target += 24)
-            storeEight(grey, target);
-        for (; grey < end; ++grey, target += 3)
+        for (; end - grey >= Block; grey += Block, target += 3 * Block) {
+            for (int i = 0; i < Block; i += 2)
+                storeTwo(grey + i, target + 3 * i);
+        }
+        for (; end - grey >= 2; grey += 2, target += 6)
+            storeTwo(grey, target);
+        if (grey < end)
             std::memcpy(target, &m_aColours[*grey], 3);
     }
 

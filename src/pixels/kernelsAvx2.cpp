@@ -95,7 +95,8 @@ std::size_t pixelsToAligned(const unsigned char* target)
 }
 
 /// Has the processor fetch what will be read and written in a while: it does not look that far ahead by itself in a
-/// loop as long as this one. In place there is only half as much to fetch, and asking would cost more than it saves.
+/// loop as long as this one. In place, and for a row whose target is used again and again, there is only half as much
+/// to fetch, and asking would cost more than it saves.
 AVX2_INLINE void fetchAhead(const unsigned char* source, const unsigned char* target)
 {
     constexpr std::uintptr_t Distance = 3072;  // bytes; what lies behind the buffers does no harm
@@ -120,9 +121,11 @@ AVX2 void exchange(const unsigned char* source, unsigned char* target, std::size
         count -= done;
     }
     if (count >= Read) {
+        constexpr std::size_t LongRow = 8192;  // pixels
+        const bool isPicture = copies && count > LongRow;
         __m256i before = beforeFirst(source);
         for (; count >= Read; count -= Step, source += 3 * Step, target += 3 * Step) {
-            if (copies)
+            if (isPicture)
                 fetchAhead(source, target);
             before = exchangeStep(before, source, target);
         }

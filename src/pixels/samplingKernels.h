@@ -31,6 +31,7 @@ struct SamplingKernels
 
     // Null where this build or this processor does not have them.
     static const SamplingKernels* ssse3();
+    static const SamplingKernels* avx2();
     static const SamplingKernels* neon();
 
     /// All that this processor has, the plain one first and the fastest last.

@@ -57,7 +57,7 @@ const SamplingKernels& SamplingKernels::plain()
 std::vector<const SamplingKernels*> SamplingKernels::available()
 {
     std::vector<const SamplingKernels*> all{&plain()};
-    for (const SamplingKernels* kernels : {ssse3(), neon()}) {
+    for (const SamplingKernels* kernels : {ssse3(), avx2(), neon()}) {
         if (kernels)
             all.push_back(kernels);
     }

@@ -110,6 +110,7 @@ private Q_SLOTS:
                         return;
                 }
                 checkMove(form, move, 1921, offset);
+                checkMove(form, move, 8192 + 1921, offset);  // so long that it asks for memory ahead
             }
         }
     }
@@ -167,8 +168,9 @@ private Q_SLOTS:
         QCOMPARE(PixelKernels::ssse3() != nullptr, bool(__builtin_cpu_supports("ssse3")));
         QCOMPARE(PixelKernels::avx2() != nullptr, bool(__builtin_cpu_supports("avx2")));
         QCOMPARE(SamplingKernels::ssse3() != nullptr, bool(__builtin_cpu_supports("ssse3")));
+        QCOMPARE(SamplingKernels::avx2() != nullptr, bool(__builtin_cpu_supports("avx2")));
         QCOMPARE(namesOf(PixelKernels::available()), expectedNames({"plain", "ssse3", "avx2"}));
-        QCOMPARE(namesOf(SamplingKernels::available()), expectedNames({"plain", "ssse3"}));
+        QCOMPARE(namesOf(SamplingKernels::available()), expectedNames({"plain", "ssse3", "avx2"}));
 #elif defined(__arm__)
         constexpr unsigned long Neon = 1UL << 12;  // of AT_HWCAP
         QCOMPARE(PixelKernels::neon() != nullptr, (::getauxval(AT_HWCAP) & Neon) != 0);
