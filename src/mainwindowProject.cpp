@@ -64,7 +64,8 @@ void MainWindow::saveProject(const QString& target)
 {
     const QString suffix = WindowMessages::projectSuffix();
     const QString path = target.endsWith(suffix) ? target : target + suffix;
-    if (!SafeFile::replaceFile(path, TaskMgr::getInstance()->toSavedText())) {
+    const auto write = [](const SafeFile::Sink& sink) { return TaskMgr::getInstance()->save(sink); };
+    if (!SafeFile::replaceFile(path, write)) {
         showFileError();
         return;
     }

@@ -1,10 +1,6 @@
 #pragma once
 
 #include <malloc.h>
-#include <sys/mman.h>
-
-#include <cstddef>
-#include <cstdint>
 
 namespace MemoryArenas {
 
@@ -26,21 +22,6 @@ inline void setUp()
 #if defined(M_MMAP_THRESHOLD) && defined(M_TRIM_THRESHOLD)
     if (mallopt(M_MMAP_THRESHOLD, 32 << 20))
         mallopt(M_TRIM_THRESHOLD, 64 << 20);
-#endif
-}
-
-/**
- * Asks for large pages, where the system has them, for memory that was just reserved and will be written from end to
- * end: the system then clears 2 MiB at a time instead of stopping the writer at each 4 KiB.
- */
-inline void preferLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t bytes)
-{
-#if defined(MADV_HUGEPAGE)
-    constexpr std::uintptr_t Page = 2 << 20;
-    const auto begin = (reinterpret_cast<std::uintptr_t>(memory) + Page - 1) / Page * Page;
-    const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / Page * Page;
-    if (begin < end)
-        madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
 #endif
 }
 

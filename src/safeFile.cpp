@@ -51,11 +51,16 @@ bool readUpToNul(const QString& path, QByteArray& bytes)
 
 bool replaceFile(const QString& path, const QByteArray& bytes)
 {
+    return replaceFile(path, [&bytes](const Sink& sink) { return sink(bytes); });
+}
+
+bool replaceFile(const QString& path, const std::function<bool(const Sink& sink)>& write)
+{
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
     // An uncommitted QSaveFile takes its temporary away and leaves the old file alone.
-    if (file.write(bytes) != bytes.size() || !file.flush())
+    if (!write([&file](const QByteArray& bytes) { return file.write(bytes) == bytes.size(); }) || !file.flush())
         return false;
     // commit() does not tell when the disk refuses to keep the bytes.
     if (::fsync(file.handle()) != 0)

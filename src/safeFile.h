@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+
 /// Whole project files, read and replaced. Any thread.
 namespace SafeFile {
 
@@ -20,5 +22,12 @@ bool readUpToNul(const QString& path, QByteArray& bytes);
  * @return false when anything failed; the old file is then as it was
  */
 bool replaceFile(const QString& path, const QByteArray& bytes);
+
+/// Takes bytes behind those it was given before; false when they could not be written.
+using Sink = std::function<bool(const QByteArray& bytes)>;
+
+/// The same with bytes that come piece by piece: write is called once, gives them to the sink and says whether it
+/// could.
+bool replaceFile(const QString& path, const std::function<bool(const Sink& sink)>& write);
 
 }  // namespace SafeFile

@@ -50,7 +50,7 @@ const TextScan::Forms& TextScan::Forms::plain()
 std::vector<const TextScan::Forms*> TextScan::Forms::available()
 {
     std::vector<const Forms*> all{&plain()};
-    for (const Forms* forms : {sse2(), neon()}) {
+    for (const Forms* forms : {sse2(), avx2(), neon()}) {
         if (forms)
             all.push_back(forms);
     }

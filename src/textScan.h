@@ -35,6 +35,7 @@ struct Forms
 
     // Null where this build or this processor does not have them.
     static const Forms* sse2();
+    static const Forms* avx2();
     static const Forms* neon();
 
     /// All that this processor has, the plain one first and the fastest last.

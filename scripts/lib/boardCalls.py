@@ -23,7 +23,6 @@ MAY_DIVIDE = {
     "BmpWriter::write": "once a file: rows that are written at once",
     "PictureReader::read": "once a file: whether its header is believable",
     "PictureDecoder::decode": "once a file: whether its header is believable",
-    "ProjectText::Saved::makeRoom": "while a project is saved: the room that the rest of its tasks will take",
     "PluginLibrary::PluginLibrary": "when a library is loaded: whether its tables lie inside of it",
     "Drawing::PolysDrawingOpt::draw": "twice a polygon, when it is painted: the place of its label",
     "TestPattern::paint": "twice a picture: where the object has got to, which 32 bits do not hold for long",

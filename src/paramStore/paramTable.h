@@ -19,7 +19,7 @@ public:
     void know(int id)
     {
         if (id > m_nLastFresh)
-            m_setAhead.insert(id);
+            m_setAhead.insert(m_setAhead.end(), id);
     }
 
     /// The smallest identifier above the last fresh one that nobody asked for.

@@ -9,7 +9,8 @@
  * The size and the samples of one picture record; private to the store library.
  *
  * The memory only grows: a picture that shrinks, or becomes empty for a while, keeps what it has, so that a stream of
- * pictures allocates nothing once its largest has been seen.
+ * pictures allocates nothing once its largest has been seen. That of a small picture begins with a line of the
+ * processor's cache: threads that fill such pictures side by side must not want the same one.
  */
 template <typename Sample>
 class PixelBuffer
@@ -35,14 +36,26 @@ private:
         // The old samples go first: nobody needs them, and two large pictures may not fit at once.
         m_nCapacity = 0;
         m_pcSamples.reset();
-        m_pcSamples.reset(new (std::nothrow) Sample[count]);
+        // Between aligned pieces malloc leaves gaps that hold none of their size, which large pictures cannot afford.
+        const std::size_t bytes = count * sizeof(Sample);
+        const std::align_val_t alignment{bytes <= SmallPicture ? CacheLine : alignof(Sample)};
+        m_pcSamples = {static_cast<Sample*>(::operator new[](bytes, alignment, std::nothrow)), Deleter{alignment}};
         if (!m_pcSamples)
             return false;
         m_nCapacity = count;
         return true;
     }
 
-    std::unique_ptr<Sample[]> m_pcSamples;
+    static constexpr std::size_t CacheLine = 64;             // bytes
+    static constexpr std::size_t SmallPicture = 256 * 1024;  // bytes
+
+    struct Deleter
+    {
+        std::align_val_t m_eAlignment{alignof(Sample)};
+        void operator()(Sample* samples) const { ::operator delete[](samples, m_eAlignment); }
+    };
+
+    std::unique_ptr<Sample[], Deleter> m_pcSamples;
     std::size_t m_nCapacity = 0;  ///< Samples.
     int m_nWidth = 0;
     int m_nHeight = 0;

@@ -35,7 +35,7 @@ const QString& LaidOutText::RecentTexts::of(QStringView text)
 std::optional<TaskText> LaidOutText::task()
 {
     TaskText task;
-    if (!readHead(task) || !readSteps(task.m_lstSteps) || m_nPos < m_strText.size())
+    if (!readHead(task) || !readSteps(task) || m_pcAt < m_pcEnd)
         return std::nullopt;
     return task;
 }
@@ -45,16 +45,17 @@ std::optional<QList<TaskText>> LaidOutText::project()
     QList<TaskText> tasks;
     while (at(m_cTags.m_cTask.m_strOpen)) {
         tasks.append(TaskText());
-        if (!readHead(tasks.last()) || !readSteps(tasks.last().m_lstSteps) || !at(m_cTags.m_cTask.m_strClose))
+        if (!readHead(tasks.last()) || !readSteps(tasks.last()) || !at(m_cTags.m_cTask.m_strClose))
             return std::nullopt;
     }
-    if (m_nPos < m_strText.size())
+    if (m_pcAt < m_pcEnd)
         return std::nullopt;
     return tasks;
 }
 
 bool LaidOutText::readHead(TaskText& task)
 {
+    const QChar* const begin = m_pcAt;
     QStringView name;
     QStringView kernel;
     QStringView view;
@@ -66,92 +67,128 @@ bool LaidOutText::readHead(TaskText& task)
     QStringView source;
     if (body(m_cTags.m_cDataSource, source))
         task.m_strDataSource = source.toString();
-    return true;
+    return !holdsNul(begin);
 }
 
-bool LaidOutText::readSteps(QList<TaskItem>& steps)
+// Looked for in what has just been read, and lies near.
+bool LaidOutText::holdsNul(const QChar* begin) const
 {
-    while (at(m_cTags.m_cStep.m_strOpen)) {
-        steps.append(TaskItem());
-        if (!readStep(steps.last()))
+    const QStringView read(begin, m_pcAt);
+    return m_cScan.m_pfnIndexOfOne(read, 0, {u'\0', u'\0'}) < read.size();
+}
+
+bool LaidOutText::readSteps(TaskText& task)
+{
+    const TaskItem empty;
+    for (StepBodies step;;) {
+        const QChar* const begin = m_pcAt;
+        if (!findFramed(step)) {
+            if (!at(m_cTags.m_cStep.m_strOpen))
+                return true;
+            if (!findByElements(step))
+                return false;
+        }
+        if (holdsNul(begin))
             return false;
+        task.m_lstSteps.append(empty);
+        fill(task.m_lstSteps.last(), step);
+        task.noteNamedIDs(qAsConst(task.m_lstSteps).last());
     }
-    return true;
 }
 
-bool LaidOutText::readStep(TaskItem& item)
+bool LaidOutText::findFramed(StepBodies& step)
 {
-    QStringView count;
-    QStringView id;
-    QStringView option;
-    QStringView className;
-    QStringView name;
-    QStringView describe;
-    if (!body(m_cTags.m_cCount, count) || !body(m_cTags.m_cArithmID, id) || !body(m_cTags.m_cOption, option) ||
-        !body(m_cTags.m_cClassName, className) || !body(m_cTags.m_cArithmName, name) ||
-        !body(m_cTags.m_cDescribe, describe) || !at(m_cTags.m_cStep.m_strClose))
-        return false;
-    item.m_nMaxExeTimes = m_cCount.of(count);
-    item.m_strArithmID = m_cID.of(id);
-    item.m_strOption = option.toString();
-    item.m_strClassName = m_cClass.of(className);
-    item.m_strArithmName = m_cName.of(name);
-    item.m_strDescribe = m_cDescribe.of(describe);
-    return true;
+    skipBlanks();
+    const QChar* const before = m_pcAt;
+    if (takes(m_cFrame.m_strCount) && bodyUpTo(m_cFrame.m_strID, step.m_strCount) &&
+        bodyUpTo(m_cFrame.m_strOption, step.m_strID) && bodyUpTo(m_cFrame.m_strClass, step.m_strOption) &&
+        bodyUpTo(m_cFrame.m_strName, step.m_strClass) && bodyUpTo(m_cFrame.m_strDescribe, step.m_strName) &&
+        bodyUpTo(m_cFrame.m_strEnd, step.m_strDescribe))
+        return true;
+    m_pcAt = before;
+    return false;
+}
+
+bool LaidOutText::findByElements(StepBodies& step)
+{
+    return body(m_cTags.m_cCount, step.m_strCount) && body(m_cTags.m_cArithmID, step.m_strID) &&
+           body(m_cTags.m_cOption, step.m_strOption) && body(m_cTags.m_cClassName, step.m_strClass) &&
+           body(m_cTags.m_cArithmName, step.m_strName) && body(m_cTags.m_cDescribe, step.m_strDescribe) &&
+           at(m_cTags.m_cStep.m_strClose);
+}
+
+void LaidOutText::fill(TaskItem& item, const StepBodies& step)
+{
+    item.m_nMaxExeTimes = m_cCount.of(step.m_strCount);
+    item.m_strArithmID = m_cID.of(step.m_strID);
+    item.m_strOption = step.m_strOption.toString();
+    item.m_strClassName = m_cClass.of(step.m_strClass);
+    item.m_strArithmName = m_cName.of(step.m_strName);
+    item.m_strDescribe = m_cDescribe.of(step.m_strDescribe);
+}
+
+bool LaidOutText::bodyUpTo(const QString& piece, QStringView& found)
+{
+    const QChar* const start = m_pcAt;
+    toNextMarker();
+    found = QStringView(start, m_pcAt);
+    return takes(piece);
 }
 
 bool LaidOutText::body(const TaskTags::Tag& tag, QStringView& found)
 {
-    const int before = m_nPos;
-    if (at(tag.m_strOpen)) {
-        const int start = m_nPos;
-        m_nPos = nextMarkerOrNul();
-        found = m_strText.mid(start, m_nPos - start);
-        if (startsHere(tag.m_strClose)) {
-            m_nPos += tag.m_strClose.size();
-            return true;
-        }
-    }
-    m_nPos = before;
+    const QChar* const before = m_pcAt;
+    if (at(tag.m_strOpen) && bodyUpTo(tag.m_strClose, found))
+        return true;
+    m_pcAt = before;
     return false;
 }
 
 bool LaidOutText::at(const QString& marker)
 {
     skipBlanks();
-    if (!startsHere(marker))
+    return takes(marker);
+}
+
+bool LaidOutText::takes(const QString& piece)
+{
+    const int length = piece.size();
+    if (m_pcEnd - m_pcAt < length || std::memcmp(m_pcAt, piece.constData(), sizeof(QChar) * length) != 0)
         return false;
-    m_nPos += marker.size();
+    m_pcAt += length;
     return true;
 }
 
-bool LaidOutText::startsHere(const QString& marker) const
-{
-    return m_strText.size() - m_nPos >= marker.size() &&
-           std::memcmp(m_strText.data() + m_nPos, marker.constData(), sizeof(QChar) * marker.size()) == 0;
-}
-
 // The signs of a task are rarely meant as such in a body ("a <= b"), so only its whole markers count.
-bool LaidOutText::markerStandsHere(int index) const
+bool LaidOutText::taskMarkerStandsAt(const QChar* bracket) const
 {
-    const auto sign = [this, index](int behind) {
-        return index + behind < m_strText.size() ? m_strText[index + behind].unicode() : char16_t(0);
-    };
-    const char16_t c = sign(1) == u'/' ? sign(2) : sign(1);
-    if (c != u'=')
-        return c == u'-';
-    const QStringView there = m_strText.mid(index);
+    const QStringView there(bracket, m_pcEnd);
     return there.startsWith(m_cTags.m_cTask.m_strOpen, Qt::CaseInsensitive) ||
            there.startsWith(m_cTags.m_cTask.m_strClose, Qt::CaseInsensitive);
 }
 
-int LaidOutText::nextMarkerOrNul() const
+// Tags of an option text begin with a bracket, too; the second sign of a marker, or its second and third, are rare.
+void LaidOutText::toNextMarker()
 {
-    const int length = static_cast<int>(m_strText.size());
-    int i = m_cScan.m_pfnIndexOfOne(m_strText, m_nPos, {u'<', u'\0'});
-    while (i < length && !m_strText[i].isNull() && !markerStandsHere(i))
-        i = m_cScan.m_pfnIndexOfOne(m_strText, i + 1, {u'<', u'\0'});
-    return i;
+    constexpr TextScan::OneOf Sign{u'<', u'/'};
+    constexpr TextScan::OneOf SignBehind{u'-', u'='};
+    const QStringView text(m_pcAt, m_pcEnd);
+    const int length = static_cast<int>(text.size());
+    int i = 0;
+    for (;; ++i) {
+        i = m_cScan.m_pfnIndexOfPair(text, i, Sign, SignBehind);
+        if (i == length)
+            break;
+        const bool closes = text[i] == QLatin1Char('/');
+        if (closes && (i == 0 || text[i - 1] != QLatin1Char('<')))
+            continue;
+        const int bracket = closes ? i - 1 : i;
+        if (text[i + 1] == QLatin1Char('-') || taskMarkerStandsAt(m_pcAt + bracket)) {
+            i = bracket;
+            break;
+        }
+    }
+    m_pcAt += i;
 }
 
 void LaidOutText::skipBlanks()
@@ -159,6 +196,6 @@ void LaidOutText::skipBlanks()
     const auto isBlank = [](QChar c) {
         return c == QLatin1Char('\n') || c == QLatin1Char('\r') || c == QLatin1Char(' ');
     };
-    while (m_nPos < m_strText.size() && isBlank(m_strText[m_nPos]))
-        ++m_nPos;
+    while (m_pcAt < m_pcEnd && isBlank(*m_pcAt))
+        ++m_pcAt;
 }

@@ -1,12 +1,10 @@
 #include "projectText.h"
 
-#include "memoryArenas.h"
 #include "textScan.h"
 
-#include <QStringRef>
-
 #include <algorithm>
-#include <climits>
+#include <numeric>
+#include <optional>
 
 ElementReader::ElementReader(QStringView text, const QString& open, const QString& close)
     : m_strText(text), m_strOpen(open), m_strClose(close)
@@ -83,73 +81,83 @@ void ProjectText::Saved::keepShort()
 {
     constexpr int Long = 32 * 1024;
     constexpr int LineEndsThatMayGrow = 3;  // of "\r\n\r\n"
-    ++m_nSteps;
-    --m_nStepsLeft;
     if (m_strText.length() > Long)
         takeOff(LineEndsThatMayGrow);
 }
 
-QByteArray ProjectText::Saved::finish()
+bool ProjectText::Saved::finish()
 {
     takeOff(0);
-    return m_cUtf8;
+    return m_bTaken;
 }
 
 void ProjectText::Saved::takeOff(int held)
 {
     QString collapsed = collapseEmptyLines(m_strText);
     held = std::min(held, collapsed.length());
-    const QByteArray piece = collapsed.leftRef(collapsed.length() - held).toUtf8();
-    makeRoom(m_cUtf8.length() + piece.length());
-    m_cUtf8 += piece;
+    m_bTaken = m_bTaken && m_fnSink(collapsed.leftRef(collapsed.length() - held).toUtf8());
     const QString rest = collapsed.right(held);
     collapsed.clear();  // It may be the text itself, whose memory is used again.
     m_strText.resize(0);
     m_strText += rest;
 }
 
-// Growing by doubling would copy all that is there again and again, and touch twice the memory.
-void ProjectText::Saved::makeRoom(int length)
-{
-    constexpr qint64 Most = 64 << 20;  // One long step in front of many short ones is a bad guess.
-    if (length <= m_cUtf8.capacity())
-        return;
-    qint64 behind = qint64(length) * std::max(m_nStepsLeft, 0) / std::max(m_nSteps, 1) * 17 / 16;
-    if (m_nStepsLeft > 0)
-        behind = std::max<qint64>(behind, length / 4);  // steps may become longer than those in front
-    m_cUtf8.reserve(static_cast<int>(std::min<qint64>(length + std::min(behind, Most), INT_MAX - 64)));
-    MemoryArenas::preferLargePages(m_cUtf8.data(), static_cast<std::size_t>(m_cUtf8.capacity()));
-}
-
 namespace {
 
-/// The index behind the first character from index on that ends a tag name or begins another tag; the length if none.
-int endOfName(const QString& text, int index)
+bool isBracket(QChar c)
 {
-    while (index < text.length() && text.at(index) != QLatin1Char('<') && text.at(index) != QLatin1Char('>'))
-        ++index;
-    return index;
+    return c == QLatin1Char('<') || c == QLatin1Char('>');
+}
+
+/// The number that a text is, blanks around it allowed; nothing when it is none that an int holds.
+std::optional<int> numberOf(QStringView text)
+{
+    constexpr int FewDigits = 9;  // any number of them fits
+    const auto isDigit = [](QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); };
+    if (!text.isEmpty() && text.size() <= FewDigits && std::all_of(text.begin(), text.end(), isDigit))
+        return std::accumulate(text.begin(), text.end(), 0,
+                               [](int number, QChar c) { return 10 * number + c.unicode() - u'0'; });
+    bool ok = false;
+    const int number = text.trimmed().toString().toInt(&ok, 10);
+    return ok ? std::optional<int>(number) : std::nullopt;
+}
+
+/// Whether the closing tag of a name begins a text.
+bool beginsWithClosingTag(QStringView text, QStringView name)
+{
+    const auto length = name.size() + 3;
+    if (text.size() < length || text[0] != QLatin1Char('<') || text[1] != QLatin1Char('/') ||
+        text[length - 1] != QLatin1Char('>'))
+        return false;
+    const QStringView other = text.mid(2, name.size());
+    return other == name || other.compare(name, Qt::CaseInsensitive) == 0;  // mostly the same, which is quick to see
 }
 
 }  // namespace
 
+// The end of such a name is rare; the tag around it is looked for only there, back and forth to the next brackets.
 void ProjectText::forEachNamedID(const QString& text, const std::function<void(int)>& found)
 {
-    constexpr TextScan::OneOf Bracket{u'<', u'<'};
-    const auto indexOfOne = TextScan::Forms::best().m_pfnIndexOfOne;
-    for (int open = indexOfOne(text, 0, Bracket); open < text.length(); open = indexOfOne(text, open + 1, Bracket)) {
-        const int nameEnd = endOfName(text, open + 1);
-        const QStringRef name = text.midRef(open + 1, nameEnd - open - 1);
-        if (nameEnd == text.length() || text.at(nameEnd) != QLatin1Char('>') ||
-            !name.endsWith(QLatin1String("id"), Qt::CaseInsensitive) || name.startsWith(QLatin1Char('/')))
+    constexpr TextScan::OneOf LastLetter{u'd', u'D'};
+    constexpr TextScan::OneOf TagEnd{u'>', u'>'};
+    const auto indexOfPair = TextScan::Forms::best().m_pfnIndexOfPair;
+    const QStringView view(text);
+    const QChar* const begin = view.begin();
+    const QChar* const end = view.end();
+    for (int last = indexOfPair(view, 0, LastLetter, TagEnd); last < text.length();
+         last = indexOfPair(view, last + 1, LastLetter, TagEnd)) {
+        const QChar* const nameEnd = begin + last + 1;
+        const QChar* nameBegin = nameEnd;
+        while (nameBegin > begin && !isBracket(nameBegin[-1]))
+            --nameBegin;
+        const QStringView name(nameBegin, nameEnd);
+        if (nameBegin == begin || nameBegin[-1] == QLatin1Char('>') || name.startsWith(QLatin1Char('/')) ||
+            !name.endsWith(QLatin1String("id"), Qt::CaseInsensitive))
             continue;
-        const int bodyEnd = endOfName(text, nameEnd + 1);
-        const QStringRef closing = text.midRef(bodyEnd, name.length() + 3);
-        if (closing.compare(QLatin1String("</") + name + QLatin1Char('>'), Qt::CaseInsensitive) != 0)
+        const QChar* const bodyEnd = std::find_if(nameEnd + 1, end, isBracket);
+        if (!beginsWithClosingTag(QStringView(bodyEnd, end), name))
             continue;
-        bool ok = false;
-        const int id = text.midRef(nameEnd + 1, bodyEnd - nameEnd - 1).trimmed().toInt(&ok, 10);
-        if (ok)
-            found(id);
+        if (const std::optional<int> id = numberOf(QStringView(nameEnd + 1, bodyEnd)))
+            found(*id);
     }
 }

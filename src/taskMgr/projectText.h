@@ -1,10 +1,12 @@
 #pragma once
 
-#include <QByteArray>
+#include "safeFile.h"
+
 #include <QString>
 #include <QStringView>
 
 #include <functional>
+#include <utility>
 
 /**
  * Takes the repeated elements of a text off it, one after the other.
@@ -51,26 +53,23 @@ QString collapseEmptyLines(const QString& text);
 /**
  * Makes the bytes of a project file out of a text that is written into it piece by piece: empty lines removed, UTF-8.
  *
- * Only the last pieces wait as text, so a long project costs the memory of its file and little more.
+ * Only the last pieces wait as text, so saving a long project costs no memory to speak of.
  */
 class Saved
 {
 public:
-    /// steps is how often keepShort will be called: from how far it came the length of the file is guessed.
-    explicit Saved(int steps) : m_nStepsLeft(steps) {}
+    explicit Saved(SafeFile::Sink sink) : m_fnSink(std::move(sink)) {}
 
     QString& text() { return m_strText; }  ///< To append to.
-    void keepShort();                      ///< Called behind each step; takes a long text off.
-    QByteArray finish();                   ///< The whole file.
+    void keepShort();                      ///< Called behind each step; gives most of a long text to the sink.
+    bool finish();                         ///< Gives the rest; whether the sink took all. It gets nothing behind a no.
 
 private:
     void takeOff(int held);
-    void makeRoom(int length);
 
-    int m_nStepsLeft;
-    int m_nSteps = 0;
+    SafeFile::Sink m_fnSink;
+    bool m_bTaken = true;
     QString m_strText;
-    QByteArray m_cUtf8;
 };
 
 /**

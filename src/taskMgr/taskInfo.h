@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <array>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -146,11 +147,11 @@ private:
 
     // ---- Project text (taskInfoText.cpp) ----------------------------------------------------------------------------
     void loadDataSource(const QString& config);
-    void reserveNamedIDs(const QString& text);  ///< So that the store never hands them out as fresh.
+    void reserveID(int id);  ///< So that the store never hands it out as fresh.
 
     // ---- Passes (taskInfoPass.cpp) ----------------------------------------------------------------------------------
-    bool runStep(qint64& index, QString& message, bool showTime);
     // Inline where passes are made; nobody else calls them.
+    inline bool runStep(qint64& index, QString& message, bool showTime);
     inline bool prepareStep(TaskItem& item);               ///< False when the algorithm does not exist.
     inline const char* executeStep(const TaskItem& item);  ///< Of a prepared step; the algorithm's own text or null.
     const char* executeTimed(const TaskItem& item, qint64& ms);
@@ -200,6 +201,13 @@ private:
     std::atomic<CallBack> m_pfnMessage{nullptr};
     std::atomic<CallBack> m_pfnPrint{nullptr};
     const std::shared_ptr<RunState> m_pcRunState;  ///< Shared with the thread.
-    std::vector<char> m_vecScratch;                ///< The option text that an algorithm gets and may scribble on.
-    std::atomic<long long> m_nPassNum{0};
+    // Written in each pass: in lines of the processor's cache that no other task's thread wants.
+    struct alignas(64) CacheLine
+    {
+        std::array<char, 64> m_achBytes;
+    };
+    std::vector<CacheLine> m_vecScratch;  ///< The option text that an algorithm gets and may scribble on.
+    alignas(64) std::atomic<long long> m_nPassNum{0};
 };
+
+static_assert(alignof(TaskInfo) == 64, "what a task counts in each pass has a line of the cache to itself");

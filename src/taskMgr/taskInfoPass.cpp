@@ -18,6 +18,7 @@ Q_LOGGING_CATEGORY(logRun, "lumivant.run", QtWarningMsg)
 namespace {
 
 constexpr int LastView = 3;
+constexpr qint64 BeforeFirst = -1;  ///< The index of a step behind which the first one comes.
 
 /// Resets the execution counters of a task on every way out of a pass, where asked to.
 class CounterReset
@@ -39,7 +40,7 @@ private:
 
 bool hasTurn(const TaskItem& item)
 {
-    return !item.runsAtTaskEnd() && (item.m_nMaxExeTimes < 0 || item.m_nExeTimes < item.m_nMaxExeTimes);
+    return item.m_nMaxExeTimes < 0 || (item.m_nExeTimes < item.m_nMaxExeTimes && !item.runsAtTaskEnd());
 }
 
 void countExecution(TaskItem& item)
@@ -85,6 +86,50 @@ Q_NEVER_INLINE void sayNotExisted(const TaskItem& item, QString& message)
 
 }  // namespace
 
+Q_ALWAYS_INLINE bool TaskInfo::prepareStep(TaskItem& item)
+{
+    if (!item.hasArithm() && !lookUpArithm(item))
+        return false;
+    const int view = item.m_cPrepared.m_bDrawing && !item.runsAtTaskEnd() ? clampedView() : TaskItem::NoView;
+    if (!item.hasOption(view))
+        makeOption(item, view);
+    return true;
+}
+
+Q_ALWAYS_INLINE const char* TaskInfo::executeStep(const TaskItem& item)
+{
+    const QByteArray& option = item.m_cPrepared.m_cUtf8;
+    const auto bytes = static_cast<std::size_t>(option.size()) + 1;
+    if (m_vecScratch.size() * sizeof(CacheLine) < bytes)
+        m_vecScratch.resize((bytes - 1) / sizeof(CacheLine) + 1);
+    char* const scratch = reinterpret_cast<char*>(m_vecScratch.data());
+    std::memcpy(scratch, option.constData(), bytes);
+    return item.m_cPrepared.m_pcArithm->executeUtf8(scratch, m_pcStore);
+}
+
+Q_ALWAYS_INLINE bool TaskInfo::runStep(qint64& index, QString& message, bool showTime)
+{
+    TaskItem& item = m_lstItems[static_cast<int>(index)];
+    if (!hasTurn(item))
+        return true;
+    if (!prepareStep(item)) {
+        sayNotExisted(item, message);
+        return false;
+    }
+    qint64 ms = 0;
+    const char* text = showTime ? executeTimed(item, ms) : executeStep(item);
+    if (text && *text != '\0') {
+        qint64 next = index;  // a copy: the pass keeps its own index in a register
+        if (!obeyResult(text, item, next, message))
+            return false;
+        index = std::max<qint64>(next, BeforeFirst);
+    }
+    if (showTime)
+        showStepTime(index, ms);
+    countExecution(item);
+    return true;
+}
+
 bool TaskInfo::runOnce(QString& message, bool resetAfter, int lastStep, int timeoutMs)
 {
     if (!m_pcDataSource) {
@@ -103,7 +148,6 @@ bool TaskInfo::runOnce(QString& message, bool resetAfter, int lastStep, int time
             message = TaskMessages::timeOut();
             return false;
         }
-        index = std::max<qint64>(index, 0);
         if (m_bStopRequested.load())
             return true;
         if (index >= m_lstItems.size())
@@ -113,25 +157,6 @@ bool TaskInfo::runOnce(QString& message, bool resetAfter, int lastStep, int time
     }
     if (!resetAfter)
         m_nPassNum.fetch_add(1, std::memory_order_relaxed);
-    return true;
-}
-
-bool TaskInfo::runStep(qint64& index, QString& message, bool showTime)
-{
-    TaskItem& item = m_lstItems[static_cast<int>(index)];
-    if (!hasTurn(item))
-        return true;
-    if (!prepareStep(item)) {
-        sayNotExisted(item, message);
-        return false;
-    }
-    qint64 ms = 0;
-    const char* text = showTime ? executeTimed(item, ms) : executeStep(item);
-    if (text && *text != '\0' && !obeyResult(text, item, index, message))
-        return false;
-    if (showTime)
-        showStepTime(index, ms);
-    countExecution(item);
     return true;
 }
 
@@ -148,26 +173,6 @@ bool TaskInfo::obeyResult(const char* text, const TaskItem& item, qint64& index,
     message = TaskMessages::stepError(item.m_strArithmName, result);
     qWarning().noquote() << message;
     return false;
-}
-
-inline bool TaskInfo::prepareStep(TaskItem& item)
-{
-    if (!item.hasArithm() && !lookUpArithm(item))
-        return false;
-    const int view = item.m_cPrepared.m_bDrawing && !item.runsAtTaskEnd() ? clampedView() : TaskItem::NoView;
-    if (!item.hasOption(view))
-        makeOption(item, view);
-    return true;
-}
-
-inline const char* TaskInfo::executeStep(const TaskItem& item)
-{
-    const QByteArray& option = item.m_cPrepared.m_cUtf8;
-    const auto bytes = static_cast<std::size_t>(option.size()) + 1;
-    if (m_vecScratch.size() < bytes)
-        m_vecScratch.resize(bytes);
-    std::memcpy(m_vecScratch.data(), option.constData(), bytes);
-    return item.m_cPrepared.m_pcArithm->executeUtf8(m_vecScratch.data(), m_pcStore);
 }
 
 Q_NEVER_INLINE const char* TaskInfo::executeTimed(const TaskItem& item, qint64& ms)

@@ -1,9 +1,14 @@
 #include "globalFunction.h"
 #include "paramStore/arithmParamMgr.h"
 #include "taskMgr/projectText.h"
+#include "taskMgr/stepFrame.h"
 #include "taskMgr/taskInfo.h"
 #include "taskMgr/taskTags.h"
 #include "taskMgr/taskText.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <numeric>
 
 // The elements of a task in the project text. Names and numbers stand on the line of their markers, option texts and
 // the text of the data source on lines of their own.
@@ -28,47 +33,28 @@ void appendBlock(QString& text, const TaskTags::Tag& tag, const QString& body)
     text += QLatin1Char('\n');
 }
 
-/// What stands around the texts of a step, joined so that each text costs one piece more.
-struct StepFrame
+/// Makes room once: a piece by itself costs as much as the look whether it fits.
+void appendAll(QString& text, std::initializer_list<QStringView> pieces)
 {
-    const TaskTags& m_cTags = TaskTags::get();
-    const QString m_strCount = m_cTags.m_cStep.m_strOpen + QLatin1Char('\n') + m_cTags.m_cCount.m_strOpen;
-    const QString m_strID = between(m_cTags.m_cCount, m_cTags.m_cArithmID);
-    const QString m_strOption = between(m_cTags.m_cArithmID, m_cTags.m_cOption) + QLatin1Char('\n');
-    const QString m_strClass = QLatin1Char('\n') + between(m_cTags.m_cOption, m_cTags.m_cClassName);
-    const QString m_strName = between(m_cTags.m_cClassName, m_cTags.m_cArithmName);
-    const QString m_strDescribe = between(m_cTags.m_cArithmName, m_cTags.m_cDescribe);
-    const QString m_strEnd =
-        m_cTags.m_cDescribe.m_strClose + QLatin1Char('\n') + m_cTags.m_cStep.m_strClose + QLatin1Char('\n');
-
-    static QString between(const TaskTags::Tag& before, const TaskTags::Tag& behind)
-    {
-        return before.m_strClose + QLatin1Char('\n') + behind.m_strOpen;
-    }
-};
-
-void appendTrimmed(QString& text, const QString& body)
-{
-    const QStringView left = GlobalFunction::trimmed(body);
-    text.append(left.data(), static_cast<int>(left.size()));
+    const int before = text.size();
+    const auto added = [](qsizetype length, QStringView piece) { return length + piece.size(); };
+    text.resize(static_cast<int>(std::accumulate(pieces.begin(), pieces.end(), qsizetype{before}, added)));
+    QChar* to = text.data() + before;
+    for (const QStringView piece : pieces)
+        to = std::copy(piece.begin(), piece.end(), to);
 }
 
 void appendStep(QString& text, const TaskItem& item)
 {
-    static const StepFrame s_cFrame;
-    text += s_cFrame.m_strCount;
-    text += QString::number(item.m_nMaxExeTimes);
-    text += s_cFrame.m_strID;
-    text += item.m_strArithmID;
-    text += s_cFrame.m_strOption;
-    appendTrimmed(text, item.m_strOption);
-    text += s_cFrame.m_strClass;
-    text += item.m_strClassName;
-    text += s_cFrame.m_strName;
-    text += item.m_strArithmName;
-    text += s_cFrame.m_strDescribe;
-    text += item.m_strDescribe;
-    text += s_cFrame.m_strEnd;
+    const StepFrame& frame = StepFrame::get();
+    constexpr QStringView LineEnd(u"\n");
+    constexpr QStringView Unlimited(u"-1");  // of nearly all steps, and made without memory of its own
+    const bool isUnlimited = item.m_nMaxExeTimes == TaskItem::Unlimited;
+    const QString limit = isUnlimited ? QString() : QString::number(item.m_nMaxExeTimes);
+    appendAll(text,
+              {frame.m_strCount, isUnlimited ? Unlimited : limit, frame.m_strID, item.m_strArithmID, frame.m_strOption,
+               LineEnd, GlobalFunction::trimmed(item.m_strOption), LineEnd, frame.m_strClass, item.m_strClassName,
+               frame.m_strName, item.m_strArithmName, frame.m_strDescribe, item.m_strDescribe, frame.m_strEnd});
 }
 
 /**
@@ -136,11 +122,10 @@ void TaskInfo::load(TaskText text)
         m_lstItems.swap(text.m_lstSteps);
     else
         m_lstItems += text.m_lstSteps;
-    for (int row = before; row < m_lstItems.size(); ++row) {
-        bringNear(m_lstItems, row);
-        reserveNamedIDs(qAsConst(m_lstItems).at(row).m_strOption);
+    for (const int id : text.m_vecNamedIDs)
+        reserveID(id);
+    for (int row = before; flowTable() && row < m_lstItems.size(); ++row)
         showAddedStep(row);
-    }
 }
 
 void TaskInfo::loadDataSource(const QString& config)
@@ -148,15 +133,13 @@ void TaskInfo::loadDataSource(const QString& config)
     m_strDataSourceConfig = config;
     if (config.isEmpty())
         return;
-    reserveNamedIDs(config);
+    ProjectText::forEachNamedID(config, [this](int id) { reserveID(id); });
     delete m_pcDataSource;
     m_pcDataSource = DataSource::getInstance()->createDataSourceFromConfigString(m_pcStore, config);
 }
 
-void TaskInfo::reserveNamedIDs(const QString& text)
+void TaskInfo::reserveID(int id)
 {
-    ProjectText::forEachNamedID(text, [this](int id) {
-        if (id > 0)
-            m_pcStore->reserveID(id);
-    });
+    if (id > 0)
+        m_pcStore->reserveID(id);
 }

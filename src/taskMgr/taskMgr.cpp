@@ -123,12 +123,9 @@ QString TaskMgr::toString() const
     return text;
 }
 
-QByteArray TaskMgr::toSavedText() const
+bool TaskMgr::save(const SafeFile::Sink& sink) const
 {
-    int steps = 0;
-    for (TaskInfo* task : m_mapTasks)
-        steps += task->getTaskItem().size();
-    ProjectText::Saved saved(steps);
+    ProjectText::Saved saved(sink);
     appendTo(saved.text(), [&saved] { saved.keepShort(); });
     return saved.finish();
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "safeFile.h"
 #include "taskMgr/taskInfo.h"
 #include "threadAnnotations.h"
 
-#include <QByteArray>
 #include <QList>
 #include <QMap>
 #include <QMutex>
@@ -37,9 +37,12 @@ public:
     int getTaskNum() const;           ///< Number of ids, not one above the largest.
     void clear();
 
-    QString toString() const;        ///< The project text.
-    QByteArray toSavedText() const;  ///< The bytes of its file: toString without empty lines, in UTF-8.
-    void fromString(QString text);   ///< Replaces all tasks with those of a project text.
+    QString toString() const;       ///< The project text.
+    void fromString(QString text);  ///< Replaces all tasks with those of a project text.
+
+    /// Gives the bytes of the project's file, toString without empty lines in UTF-8, to the sink piece by piece, until
+    /// it says no; whether it took all.
+    bool save(const SafeFile::Sink& sink) const;
 
     /// Once the libraries of the sources are loaded: deleteThis runs before they go, however the program ends.
     static void stopBeforeSourcesGo();

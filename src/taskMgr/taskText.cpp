@@ -48,9 +48,16 @@ TaskText TaskText::readByElements(QString body)
     task.m_nView = take(body, tags().m_cView).toInt(nullptr, 10);
     task.m_strDataSource = take(body, tags().m_cDataSource);
     ElementReader steps(body, tags().m_cStep.m_strOpen, tags().m_cStep.m_strClose);
-    for (QStringView step = steps.next(); !step.isEmpty(); step = steps.next())
+    for (QStringView step = steps.next(); !step.isEmpty(); step = steps.next()) {
         task.m_lstSteps.append(stepOf(step.toString()));
+        task.noteNamedIDs(qAsConst(task.m_lstSteps).last());
+    }
     return task;
+}
+
+void TaskText::noteNamedIDs(const TaskItem& step)
+{
+    ProjectText::forEachNamedID(step.m_strOption, [this](int id) { m_vecNamedIDs.append(id); });
 }
 
 namespace {

@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 #include <QStringView>
+#include <QVector>
 
 /// What the text of one task says.
 struct TaskText
@@ -14,6 +15,7 @@ struct TaskText
     int m_nView = 0;
     QString m_strDataSource;  ///< Configuration text; empty when the task has no source.
     QList<TaskItem> m_lstSteps;
+    QVector<int> m_vecNamedIDs;  ///< The identifiers that the option texts of the steps name.
 
     /**
      * Reads the body of a task element; never fails: what is missing stays empty or zero.
@@ -32,4 +34,7 @@ struct TaskText
 
     /// The definition of what readProject gives: its task elements cut out one by one, each read by elements.
     static QList<TaskText> readProjectByElements(const QString& text);
+
+    /// Called for each step when its option text has just been read, and lies near.
+    void noteNamedIDs(const TaskItem& step);
 };

@@ -1,5 +1,6 @@
 #include "../window/windowFixture.h"
 #include "childProcess.h"
+#include "savedText.h"
 
 #include <QApplication>
 #include <QtTest>
@@ -26,10 +27,10 @@ QByteArray projectOf(int which)
 }
 
 /// What saving one of them writes.
-QByteArray savedText(int which)
+QByteArray savedTextOf(int which)
 {
     TaskMgr::getInstance()->fromString(QString::fromUtf8(projectOf(which)));
-    return TaskMgr::getInstance()->toSavedText();
+    return savedText();
 }
 
 /// What the child is asked to do once.
@@ -112,7 +113,7 @@ void tstKilledSave::projectIsTheOldOrTheNewOneAfterAHundredKills()
 {
     QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("project.lmv"));
-    const QByteArray texts[] = {savedText(0), savedText(1)};
+    const QByteArray texts[] = {savedTextOf(0), savedTextOf(1)};
     QVERIFY(texts[0] != texts[1] && texts[0].size() > 500000);
     writeFile(path, texts[0]);
     int requests[2];

@@ -5,6 +5,7 @@
 
 #include <QtTest>
 
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -75,6 +76,8 @@ private slots:
     void newPictureIsEmpty();
     void bufferHoldsItsSize_data();
     void bufferHoldsItsSize();
+    void bufferBeginsWithALineOfTheCache_data() { kindsTable(); }
+    void bufferBeginsWithALineOfTheCache();
     void steadySizeKeepsTheBuffer_data() { kindsTable(); }
     void steadySizeKeepsTheBuffer();
     void smallerSizeKeepsTheBuffer_data() { kindsTable(); }
@@ -157,6 +160,18 @@ void StorePicturesTest::bufferHoldsItsSize()
     std::memset(pixels, 0xA5, static_cast<std::size_t>(bytes));
     QCOMPARE(int(pixels[0]), 0xA5);
     QCOMPARE(int(pixels[bytes - 1]), 0xA5);
+}
+
+// Small pictures lie one behind the other: threads that fill two of them must not write into the same line.
+void StorePicturesTest::bufferBeginsWithALineOfTheCache()
+{
+    QFETCH(QString, kind);
+    const StoreGuard store;
+    for (int width = 1; width < 40; ++width) {
+        const Picture picture = pictureOf(store, kind);
+        picture.resize(width, 1);
+        QCOMPARE(reinterpret_cast<std::uintptr_t>(picture.buffer()) % 64, std::uintptr_t{0});
+    }
 }
 
 void StorePicturesTest::steadySizeKeepsTheBuffer()

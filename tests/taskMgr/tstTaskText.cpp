@@ -1,3 +1,5 @@
+#include "savedText.h"
+
 #include "taskMgr/projectText.h"
 #include "taskMgr/taskMgr.h"
 #include "taskMgr/taskText.h"
@@ -22,6 +24,8 @@ QStringList contents(const TaskText& task)
                  item.m_strClassName,
                  item.m_strArithmName,
                  item.m_strDescribe};
+    for (const int id : task.m_vecNamedIDs)
+        list += QStringLiteral("names %1").arg(id);
     return list;
 }
 
@@ -31,6 +35,14 @@ const char* const Step =
     "<-TaskItem->\n<-MaxExeTimes->3</-MaxExeTimes->\n<-ArithmID->id</-ArithmID->\n<-OptionStr->\n<ID>7</ID>\n"
     "</-OptionStr->\n<-ClassName->c</-ClassName->\n<-ArithmName->n</-ArithmName->\n<-Describe->d</-Describe->\n"
     "</-TaskItem->\n";
+
+SafeFile::Sink appendTo(QByteArray& bytes)
+{
+    return [&bytes](const QByteArray& piece) {
+        bytes += piece;
+        return true;
+    };
+}
 
 /// Puts one of many disturbances somewhere into a text.
 class Disturber
@@ -93,6 +105,7 @@ class tstTaskText : public QObject
 
 private Q_SLOTS:
     void everyFieldOfALaidOutTaskIsRead();
+    void otherBlanksBetweenElementsChangeNothing();
     void disturbedTextsReadAsElementByElement();
     void disturbedProjectsReadAsElementByElement();
     void everyTaskOfALaidOutProjectIsRead();
@@ -104,15 +117,33 @@ private Q_SLOTS:
     void savedTextIsTheWholeTextWithoutEmptyLines();
     void savedTextCollapsesLineEndsAcrossItsPieces();
     void savedTextOfNothingButLineEndsIsOne();
+    void savingEndsWhereItsBytesAreNotTaken();
 };
 
 void tstTaskText::everyFieldOfALaidOutTaskIsRead()
 {
     const QString text = QLatin1String(Head) + QLatin1String(Source) + QLatin1String(Step) + QLatin1String(Step);
     const QStringList step = {"3", "0", "id", "\n<ID>7</ID>\n", "c", "n", "d"};
+    const QStringList named = {"names 7"};
 
-    QCOMPARE(contents(TaskText::read(text)), QStringList({"t", "2", "1", "\n<DSName>x</DSName>\n"}) + step + step);
+    QCOMPARE(contents(TaskText::read(text)),
+             QStringList({"t", "2", "1", "\n<DSName>x</DSName>\n"}) + step + step + named + named);
     QCOMPARE(contents(TaskText::readByElements(text)), contents(TaskText::read(text)));
+}
+
+// Steps as the program writes them are read piece by piece, the one between them element by element.
+void tstTaskText::otherBlanksBetweenElementsChangeNothing()
+{
+    const QString other = QString::fromLatin1(Step).replace(QLatin1String("->\n<-"), QLatin1String("-> \r\n\n<-"));
+    const QStringList step = {"3", "0", "id", "\n<ID>7</ID>\n", "c", "n", "d"};
+    const QStringList named = {"names 7"};
+    QVERIFY(other != QLatin1String(Step));
+
+    const TaskText task = TaskText::read(QLatin1String(Head) + QLatin1String(Step) + other + QLatin1String(Step));
+
+    QCOMPARE(contents(task), QStringList({"t", "2", "1", ""}) + step + step + step + named + named + named);
+    for (const TaskItem& item : task.m_lstSteps)  // Only what is read in one pass shares its texts.
+        QCOMPARE(item.m_strArithmID.constData(), task.m_lstSteps.first().m_strArithmID.constData());
 }
 
 void tstTaskText::disturbedTextsReadAsElementByElement()
@@ -160,7 +191,8 @@ void tstTaskText::everyTaskOfALaidOutProjectIsRead()
     const QList<TaskText> tasks = TaskText::readProject(task + task);
 
     QCOMPARE(tasks.size(), 2);
-    QCOMPARE(contents(tasks.at(1)), QStringList({"t", "2", "1", "", "3", "0", "id", "\n<ID>7</ID>\n", "c", "n", "d"}));
+    QCOMPARE(contents(tasks.at(1)),
+             QStringList({"t", "2", "1", "", "3", "0", "id", "\n<ID>7</ID>\n", "c", "n", "d", "names 7"}));
     QCOMPARE(TaskText::readProject(QString()).size(), 0);
 }
 
@@ -230,17 +262,18 @@ void tstTaskText::savedTextIsTheWholeTextWithoutEmptyLines()
     tasks->fromString(project);
     QVERIFY(tasks->toString().contains(QLatin1String("\n\n")));
 
-    const QByteArray saved = tasks->toSavedText();
+    const QByteArray saved = savedText();
 
     QVERIFY(saved.size() > 200 * 1024);
     QVERIFY(saved == ProjectText::collapseEmptyLines(tasks->toString()).toUtf8());
     tasks->clear();
-    QCOMPARE(tasks->toSavedText(), QByteArray());
+    QCOMPARE(savedText(), QByteArray());
 }
 
 void tstTaskText::savedTextCollapsesLineEndsAcrossItsPieces()
 {
-    ProjectText::Saved saved(20);  // a guess that turns out too low
+    QByteArray bytes;
+    ProjectText::Saved saved(appendTo(bytes));
     QString whole;
     const QStringList ends = {QStringLiteral("\r\n\r"), QStringLiteral("\n\r\n\r\n"), QStringLiteral("\r\r"),
                               QStringLiteral("x\n"),    QStringLiteral("\n"),         QStringLiteral("\r\n")};
@@ -253,16 +286,33 @@ void tstTaskText::savedTextCollapsesLineEndsAcrossItsPieces()
         QVERIFY(saved.text().size() < 40010);
     }
 
-    QVERIFY(saved.finish() == ProjectText::collapseEmptyLines(whole).toUtf8());
+    QVERIFY(saved.finish());
+    QVERIFY(bytes == ProjectText::collapseEmptyLines(whole).toUtf8());
 }
 
 void tstTaskText::savedTextOfNothingButLineEndsIsOne()
 {
-    ProjectText::Saved saved(1);
+    QByteArray bytes;
+    ProjectText::Saved saved(appendTo(bytes));
     saved.text() += QString(40000, QLatin1Char('\n'));
     saved.keepShort();
 
-    QCOMPARE(saved.finish(), QByteArray("\n"));
+    QVERIFY(saved.finish());
+    QCOMPARE(bytes, QByteArray("\n"));
+}
+
+void tstTaskText::savingEndsWhereItsBytesAreNotTaken()
+{
+    int given = 0;
+    ProjectText::Saved saved([&given](const QByteArray&) { return ++given < 3; });
+    for (int piece = 0; piece < 10; ++piece) {
+        saved.text() += QString(40000, QLatin1Char('y'));
+        saved.keepShort();
+        QVERIFY(saved.text().size() < 40000);
+    }
+
+    QVERIFY(!saved.finish());
+    QCOMPARE(given, 3);
 }
 
 QTEST_GUILESS_MAIN(tstTaskText)

@@ -63,6 +63,8 @@ private Q_SLOTS:
     void failureLeavesTheOldFile_data();
     void failureLeavesTheOldFile();
     void writeThatFailsMidwayLeavesTheOldFile();
+    void piecesFollowEachOther();
+    void writerThatGivesUpLeavesTheOldFile();
     void leavesNoTemporaryBehind();
     void refusesWhatMayNotBeRead();
     void bytesAreKeptBeforeTheFileIsReplacedAndItsFolderAfterwards();
@@ -194,6 +196,22 @@ void TestSafeFile::writeThatFailsMidwayLeavesTheOldFile()
     QVERIFY(!big);
     QVERIFY(!justOver);
     QCOMPARE(contentOf(at("midway")), QByteArray("old content"));
+}
+
+void TestSafeFile::piecesFollowEachOther()
+{
+    const QByteArray piece(100000, 'p');
+    QVERIFY(SafeFile::replaceFile(at("pieces"), [&piece](const SafeFile::Sink& sink) {
+        return sink("first") && sink(piece) && sink(QByteArray()) && sink("last");
+    }));
+    QCOMPARE(contentOf(at("pieces")), "first" + piece + "last");
+}
+
+void TestSafeFile::writerThatGivesUpLeavesTheOldFile()
+{
+    QVERIFY(SafeFile::replaceFile(at("given up"), "old"));
+    QVERIFY(!SafeFile::replaceFile(at("given up"), [](const SafeFile::Sink& sink) { return sink("new") && false; }));
+    QCOMPARE(contentOf(at("given up")), QByteArray("old"));
 }
 
 void TestSafeFile::leavesNoTemporaryBehind()
