@@ -1,6 +1,7 @@
 // What does drawing a full HD picture onto a view cost, beside what the painter and OpenCV need for the same?
 #include "drawing/drawing.h"
 #include "drawing/drawingOpt.h"
+#include "inTurns.h"
 #include "paramStore/arithmParamMgr.h"
 #include "paramStore/pictureLayout.h"
 
@@ -13,8 +14,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -63,74 +65,90 @@ QString textOf(int kind)
     return QStringLiteral("<DataID>1</DataID>") + QLatin1String(Kinds[kind]);
 }
 
-/// Option text to canvas: the copy of the pixels, too.
-void drawPicture(benchmark::State& state)
+/// Canvases differ: what is drawn onto one finds nothing of the others in the cache.
+class Canvas
 {
-    const Store store = filledStore();
-    const QString text = textOf(static_cast<int>(state.range(0)));
-    QImage canvas(CanvasWidth, CanvasHeight, QImage::Format_RGB888);
-    canvas.fill(Qt::black);
-    for (auto _ : state) {
-        const std::unique_ptr<Drawing::DrawingOpt> option(Drawing::parseConfigString(text, store.get()));
-        option->draw(&canvas, store.get());
-        benchmark::ClobberMemory();
-    }
-}
+public:
+    explicit Canvas(int kind) : m_strText(textOf(kind)), m_pcOption(newOption()) { m_cImage.fill(Qt::black); }
 
-/// The window's part alone: an option that is there onto a canvas. A colour option exchanges blue and red in every
-/// second of its drawings, those that are measured.
-void drawOption(benchmark::State& state)
-{
-    const Store store = filledStore();
-    const std::unique_ptr<Drawing::DrawingOpt> option(
-        Drawing::parseConfigString(textOf(static_cast<int>(state.range(0))), store.get()));
-    QImage canvas(CanvasWidth, CanvasHeight, QImage::Format_RGB888);
-    canvas.fill(Qt::black);
-    for (auto _ : state) {
-        const auto begun = std::chrono::steady_clock::now();
-        option->draw(&canvas, store.get());
+    /// Option text to canvas: the copy of the pixels, too.
+    void drawPicture()
+    {
+        const std::unique_ptr<Drawing::DrawingOpt> option = newOption();
+        option->draw(&m_cImage, m_pcStore.get());
         benchmark::ClobberMemory();
-        state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count());
-        option->draw(&canvas, store.get());
     }
-}
+    /// The window's part alone: an option that is there onto a canvas.
+    void drawOption()
+    {
+        m_pcOption->draw(&m_cImage, m_pcStore.get());
+        benchmark::ClobberMemory();
+    }
+
+private:
+    std::unique_ptr<Drawing::DrawingOpt> newOption() const
+    {
+        return std::unique_ptr<Drawing::DrawingOpt>(Drawing::parseConfigString(m_strText, m_pcStore.get()));
+    }
+
+    Store m_pcStore = filledStore();
+    QString m_strText;
+    std::unique_ptr<Drawing::DrawingOpt> m_pcOption;
+    QImage m_cImage{CanvasWidth, CanvasHeight, QImage::Format_RGB888};
+};
 
 /// The plain way: blue and red exchanged in place, then the painter.
-void drawByPainter(benchmark::State& state)
+void drawByPainter(unsigned char* pixels, QImage& canvas)
 {
+    PictureLayout::exchangeFirstAndThird(pixels, Width, Height);
+    QPainter(&canvas).drawImage(QRectF(0, 0, CanvasWidth, CanvasHeight),
+                                QImage(pixels, Width, Height, 3 * Width, QImage::Format_RGB888),
+                                QRectF(0, 0, Width, Height));
+    benchmark::ClobberMemory();
+}
+
+void drawing(benchmark::State& state)
+{
+    constexpr int Calls = 2;
     const Store store = filledStore();
     unsigned char* pixels = store->getParamDIB(1)->getDIB();
     QImage canvas(CanvasWidth, CanvasHeight, QImage::Format_RGB888);
-    for (auto _ : state) {
-        PictureLayout::exchangeFirstAndThird(pixels, Width, Height);
-        QPainter(&canvas).drawImage(QRectF(0, 0, CanvasWidth, CanvasHeight),
-                                    QImage(pixels, Width, Height, 3 * Width, QImage::Format_RGB888),
-                                    QRectF(0, 0, Width, Height));
-        benchmark::ClobberMemory();
+    std::vector<Canvas> canvases;
+    InTurns turns;
+    for (int kind = 0; kind < KindNum; ++kind)
+        canvases.emplace_back(kind);
+    for (int kind = 0; kind < KindNum; ++kind) {
+        Canvas& drawn = canvases[static_cast<std::size_t>(kind)];
+        // A colour option exchanges blue and red in every second of its drawings, those that are measured.
+        turns.add("option" + std::to_string(kind), [&drawn] {
+            double time = 0;
+            for (int i = 0; i < Calls; ++i) {
+                time += timeOf(1, [&drawn] { drawn.drawOption(); });
+                drawn.drawOption();
+            }
+            return time / Calls;
+        });
+        turns.add("picture" + std::to_string(kind),
+                  [&drawn] { return timeOf(Calls, [&drawn] { drawn.drawPicture(); }) / Calls; });
     }
-}
-
-BENCHMARK(drawPicture)->DenseRange(0, KindNum - 1);
-BENCHMARK(drawOption)->DenseRange(0, KindNum - 1)->UseManualTime();
-BENCHMARK(drawByPainter);
-
+    turns.add("painter", [&] { return timeOf(Calls, [&] { drawByPainter(pixels, canvas); }) / Calls; });
 #ifdef LUMIVANT_BENCH_OPENCV
-
-/// Nearest neighbour without an exchange, one thread as everywhere here.
-void resizeByOpenCv(benchmark::State& state)
-{
+    // Nearest neighbour without an exchange, one thread as everywhere here.
     cv::setNumThreads(1);
-    const Store store = filledStore();
-    const cv::Mat picture(Height, Width, CV_8UC3, store->getParamDIB(1)->getDIB());
-    cv::Mat canvas(CanvasHeight, CanvasWidth, CV_8UC3);
-    for (auto _ : state) {
-        cv::resize(picture, canvas, canvas.size(), 0, 0, cv::INTER_NEAREST);
-        benchmark::ClobberMemory();
-    }
+    const cv::Mat picture(Height, Width, CV_8UC3, pixels);
+    cv::Mat resized(CanvasHeight, CanvasWidth, CV_8UC3);
+    turns.add("openCv", [&] {
+        return timeOf(Calls,
+                      [&] {
+                          cv::resize(picture, resized, resized.size(), 0, 0, cv::INTER_NEAREST);
+                          benchmark::ClobberMemory();
+                      }) /
+               Calls;
+    });
+#endif
+    turns.measure(state);
 }
 
-BENCHMARK(resizeByOpenCv);
-
-#endif
+BENCHMARK(drawing)->Iterations(20);
 
 }  // namespace

@@ -1,15 +1,11 @@
 // What does GStreamer need for what a step and a memory disk do?
-#include "twoThreads.h"
+#include "gstreamerPair.h"
 
 #include <benchmark/benchmark.h>
 
 #include <gst/app/gstappsink.h>
 #include <gst/app/gstappsrc.h>
 #include <gst/gst.h>
-
-#include <cstring>
-#include <memory>
-#include <vector>
 
 namespace {
 
@@ -67,64 +63,74 @@ void identityChain(benchmark::State& state)
     gst_object_unref(pad);
 }
 
+BENCHMARK(identityChain)->Arg(50);
+
+constexpr guint Buffers = 6;
+
 GstBufferPool* poolOf(std::size_t bytes)
 {
     GstBufferPool* pool = gst_buffer_pool_new();
     GstStructure* config = gst_buffer_pool_get_config(pool);
-    gst_buffer_pool_config_set_params(config, nullptr, static_cast<guint>(bytes), 6, 6);
+    gst_buffer_pool_config_set_params(config, nullptr, static_cast<guint>(bytes), Buffers, Buffers);
     gst_buffer_pool_set_config(pool, config);
     gst_buffer_pool_set_active(pool, TRUE);
     return pool;
 }
 
-/// Without a pool into a new buffer.
-void write(GstBufferPool* pool, GstElement* source, const std::vector<unsigned char>& picture)
+}  // namespace
+
+struct GStreamerPair::Elements
+{
+    Pipeline m_pcPipeline = newPipeline();
+    GstElement* m_pcSource = added(m_pcPipeline, "appsrc");
+    GstElement* m_pcSink = added(m_pcPipeline, "appsink");
+    GstBufferPool* m_pcPool = nullptr;  ///< Owned; null when each picture has a new buffer.
+};
+
+GStreamerPair::GStreamerPair(std::size_t bytes, bool pooled) : m_pcElements(std::make_unique<Elements>())
+{
+    if (!isInstalled())
+        return;
+    g_object_set(m_pcElements->m_pcSink, "sync", FALSE, nullptr);
+    g_object_set(m_pcElements->m_pcSource, "max-bytes", guint64{Buffers} * bytes, "block", TRUE, nullptr);
+    gst_element_link(m_pcElements->m_pcSource, m_pcElements->m_pcSink);
+    gst_element_set_state(m_pcElements->m_pcPipeline.get(), GST_STATE_PLAYING);
+    if (pooled)
+        m_pcElements->m_pcPool = poolOf(bytes);
+    std::vector<unsigned char> picture(bytes, 7);
+    for (guint slot = 0; slot < Buffers; ++slot) {
+        write(picture);
+        read(picture);
+    }
+}
+
+GStreamerPair::~GStreamerPair()
+{
+    if (!m_pcElements->m_pcPool)
+        return;
+    gst_buffer_pool_set_active(m_pcElements->m_pcPool, FALSE);
+    gst_object_unref(m_pcElements->m_pcPool);
+}
+
+bool GStreamerPair::isInstalled() const
+{
+    return m_pcElements->m_pcSource && m_pcElements->m_pcSink;
+}
+
+void GStreamerPair::write(const std::vector<unsigned char>& picture)
 {
     GstBuffer* buffer = nullptr;
-    if (pool)
-        gst_buffer_pool_acquire_buffer(pool, &buffer, nullptr);
+    if (m_pcElements->m_pcPool)
+        gst_buffer_pool_acquire_buffer(m_pcElements->m_pcPool, &buffer, nullptr);
     else
         buffer = gst_buffer_new_allocate(nullptr, picture.size(), nullptr);
     gst_buffer_fill(buffer, 0, picture.data(), picture.size());
-    gst_app_src_push_buffer(GST_APP_SRC(source), buffer);
+    gst_app_src_push_buffer(GST_APP_SRC(m_pcElements->m_pcSource), buffer);
 }
 
-void read(GstElement* sink, std::vector<unsigned char>& picture)
+void GStreamerPair::read(std::vector<unsigned char>& picture)
 {
-    GstSample* sample = gst_app_sink_pull_sample(GST_APP_SINK(sink));
+    GstSample* sample = gst_app_sink_pull_sample(GST_APP_SINK(m_pcElements->m_pcSink));
     gst_buffer_extract(gst_sample_get_buffer(sample), 0, picture.data(), picture.size());
     gst_sample_unref(sample);
 }
-
-/// The third argument: whether buffers come from a pool.
-void appSourceToAppSink(benchmark::State& state)
-{
-    const auto bytes = static_cast<std::size_t>(state.range(0) * state.range(1) * 3);
-    const Pipeline pipeline = newPipeline();
-    GstElement* source = added(pipeline, "appsrc");
-    GstElement* sink = added(pipeline, "appsink");
-    if (!source || !sink)
-        return state.SkipWithError("an element is missing");
-    g_object_set(sink, "sync", FALSE, nullptr);
-    g_object_set(source, "max-bytes", guint64{6} * bytes, "block", TRUE, nullptr);
-    gst_element_link(source, sink);
-    gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
-    GstBufferPool* pool = state.range(2) ? poolOf(bytes) : nullptr;
-    const std::vector<unsigned char> picture(bytes, 7);
-    std::vector<unsigned char> target(bytes);
-    for (int slot = 0; slot < 6; ++slot) {  // as the memory disk's, the buffers have been used before
-        write(pool, source, picture);
-        read(sink, target);
-    }
-    TwoThreads::measure(
-        state, [&](int) { write(pool, source, picture); }, [&](int) { read(sink, target); });
-    if (!pool)
-        return;
-    gst_buffer_pool_set_active(pool, FALSE);
-    gst_object_unref(pool);
-}
-
-BENCHMARK(identityChain)->Arg(1)->Arg(50);
-BENCHMARK(appSourceToAppSink)->Args({1920, 1080, 1})->Args({4096, 3000, 1})->Args({4096, 3000, 0})->UseManualTime();
-
-}  // namespace

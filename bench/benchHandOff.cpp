@@ -1,63 +1,121 @@
 // How many pictures a second go from one thread to another through a memory disk, beside the two bare copies through
 // six buffers, and beside a pair of GStreamer's elements?
+#include "inTurns.h"
 #include "memoryDisk/memoryDisk.h"
 #include "paramStore/pictureLayout.h"
-#include "twoThreads.h"
+
+#ifdef LUMIVANT_BENCH_GSTREAMER
+#include "gstreamerPair.h"
+#endif
 
 #include <benchmark/benchmark.h>
 
 #include <array>
 #include <cstring>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
 
+using Picture = std::vector<unsigned char>;
+
 constexpr int Slots = 6;
 
-std::size_t bytesOf(const benchmark::State& state)
+/// Nanoseconds for each of so many pictures that one thread writes and another one reads.
+template <class Write, class Read>
+double timeOfPicture(int pictures, const Write& write, const Read& read)
 {
-    return static_cast<std::size_t>(
-        PictureLayout::colourBytes(static_cast<int>(state.range(0)), static_cast<int>(state.range(1))));
+    const auto allOf = [pictures](const auto& call) {
+        for (int turn = 0; turn < pictures; ++turn)
+            call(turn);
+    };
+    return timeOf(1,
+                  [&] {
+                      std::thread writer([&] { allOf(write); });
+                      allOf(read);
+                      writer.join();
+                  }) /
+           pictures;
 }
 
 /// The limit: neither thread waits for the other, so what is copied out may be any mixture. They start half the slots
 /// apart, so that they do not want the same lines of the cache.
-void twoPlainCopies(benchmark::State& state)
+class PlainCopies
 {
-    const std::vector<unsigned char> source(bytesOf(state), 7);
-    std::vector<unsigned char> target(source.size());
-    std::array<std::vector<unsigned char>, Slots> slots;
-    slots.fill(source);
-    const auto slotOf = [&slots](int turn) { return slots[static_cast<std::size_t>(turn % Slots)].data(); };
-    TwoThreads::measure(
-        state, [&](int turn) { std::memcpy(slotOf(turn), source.data(), source.size()); },
-        [&](int turn) { std::memcpy(target.data(), slotOf(turn + Slots / 2), target.size()); });
-}
+public:
+    explicit PlainCopies(const Picture& picture) { m_aSlots.fill(picture); }
+    double measure(int pictures, const Picture& source, Picture& target)
+    {
+        return timeOfPicture(
+            pictures, [&](int turn) { std::memcpy(slotOf(turn), source.data(), source.size()); },
+            [&](int turn) { std::memcpy(target.data(), slotOf(turn + Slots / 2), target.size()); });
+    }
 
+private:
+    unsigned char* slotOf(int turn) { return m_aSlots[static_cast<std::size_t>(turn % Slots)].data(); }
+
+    std::array<Picture, Slots> m_aSlots;
+};
+
+class ThroughDisk
+{
+public:
+    ThroughDisk(Picture& picture, int width, int height) : m_nWidth(width), m_nHeight(height)
+    {
+        for (int slot = 0; slot < m_pcDisk->getDIBBuffNum(); ++slot) {  // the buffers of a running line have been used
+            m_pcDisk->addDIB(picture.data(), width, height);
+            m_pcDisk->releaseDIB(m_pcDisk->requestDIB());
+        }
+    }
+    double measure(int pictures, Picture& source, Picture& target, benchmark::State& state) const
+    {
+        return timeOfPicture(
+            pictures,
+            [&](int) {
+                if (!m_pcDisk->addDIB(source.data(), m_nWidth, m_nHeight))
+                    state.SkipWithError("the disk refused a picture");
+            },
+            [&](int) {
+                MemoryDisk::DIB* slot = m_pcDisk->requestDIB();
+                if (!slot)
+                    return state.SkipWithError("the disk lost a picture");
+                std::memcpy(target.data(), slot->getDIB(), target.size());
+                m_pcDisk->releaseDIB(slot);
+            });
+    }
+
+private:
+    MemoryDisk* m_pcDisk = MemoryDisk::getInstance(0);
+    int m_nWidth;
+    int m_nHeight;
+};
+
+/// Pictures of a width and a height, so many in a turn.
 void handOff(benchmark::State& state)
 {
     const int width = static_cast<int>(state.range(0));
     const int height = static_cast<int>(state.range(1));
-    std::vector<unsigned char> source(bytesOf(state), 7);
-    std::vector<unsigned char> target(source.size());
-    MemoryDisk* disk = MemoryDisk::getInstance(0);
-    for (int slot = 0; slot < disk->getDIBBuffNum(); ++slot) {  // the buffers of a running line have been used before
-        disk->addDIB(source.data(), width, height);
-        disk->releaseDIB(disk->requestDIB());
+    const int pictures = static_cast<int>(state.range(2));
+    Picture source(static_cast<std::size_t>(PictureLayout::colourBytes(width, height)), 7);
+    Picture target(source.size());
+    PlainCopies copies(source);
+    const ThroughDisk disk(source, width, height);
+    InTurns turns;
+    turns.add("copies", [&] { return copies.measure(pictures, source, target); });
+    turns.add("disk", [&] { return disk.measure(pictures, source, target, state); });
+#ifdef LUMIVANT_BENCH_GSTREAMER
+    GStreamerPair pooled(source.size(), true);
+    GStreamerPair fresh(source.size(), false);
+    for (auto& [name, pair] : {std::pair<const char*, GStreamerPair&>{"pooledPair", pooled}, {"freshPair", fresh}}) {
+        if (pair.isInstalled())
+            turns.add(name, [&, &pair = pair] {
+                return timeOfPicture(
+                    pictures, [&](int) { pair.write(source); }, [&](int) { pair.read(target); });
+            });
     }
-    TwoThreads::measure(
-        state,
-        [&](int) {
-            if (!disk->addDIB(source.data(), width, height))
-                state.SkipWithError("the disk refused a picture");
-        },
-        [&](int) {
-            MemoryDisk::DIB* slot = disk->requestDIB();
-            if (!slot)
-                return state.SkipWithError("the disk lost a picture");
-            std::memcpy(target.data(), slot->getDIB(), target.size());
-            disk->releaseDIB(slot);
-        });
+#endif
+    turns.measure(state);
 }
 
 void bareHandOff(benchmark::State& state)
@@ -76,8 +134,9 @@ void bareHandOff(benchmark::State& state)
     }
 }
 
-BENCHMARK(twoPlainCopies)->Args({1920, 1080})->Args({4096, 3000})->UseManualTime();
-BENCHMARK(handOff)->Args({1920, 1080})->Args({4096, 3000})->UseManualTime();
+// So many that waiting for the first one to be written and for the last one to be read is a small part of a turn.
+BENCHMARK(handOff)->Args({1920, 1080, 96})->Iterations(5);
+BENCHMARK(handOff)->Args({4096, 3000, 24})->Iterations(2);
 BENCHMARK(bareHandOff);
 
 }  // namespace

@@ -33,9 +33,10 @@ namespace {
 constexpr QSize Small(64, 48);
 constexpr QSize Large(1280, 960);
 constexpr int MeasuredMs = 200;
-constexpr int ShortMs = 80;  // so that a round is over before the machine's speed has changed much
+constexpr int ShortMs = 40;     // so that a round is over before the machine's speed has changed much
+constexpr int SettlingMs = 50;  // until the kernel has spread new threads over the processors
 constexpr int Rounds = 7;
-constexpr int ShortRounds = 41;
+constexpr int ShortRounds = 81;
 constexpr int MostTasks = 64;
 
 double nowMs(clockid_t clock)
@@ -129,6 +130,7 @@ double rateOf(const Count& count, int ms)
 double passesASecond(int count, const QSize& size, int ms)
 {
     const Tasks tasks(count, size, false);
+    QThread::msleep(SettlingMs);
     return rateOf([&tasks] { return tasks.passes(); }, ms);
 }
 
@@ -149,6 +151,7 @@ double copiesASecond(int count, const QSize& size)
     }
     while (copies < 2 * count)
         QThread::msleep(1);
+    QThread::msleep(SettlingMs);
     const double rate = rateOf([&copies] { return copies.load(); }, MeasuredMs);
     stop = true;
     for (std::thread& thread : threads)

@@ -2,8 +2,11 @@
 """Times the start of the workbench: benchStart.py PROGRAM PLUGIN_FOLDER SCRATCH_FOLDER
 
 PROGRAM ends once its window was painted; it is started again and again, in random order, as a bare window, as the
-workbench without plug-ins, with all plug-ins of PLUGIN_FOLDER, with each of them alone, and with all but one of them.
-Prints "name value" lines: medians of milliseconds and of the most resident bytes, and how far the milliseconds lie apart.
+workbench without plug-ins, with all plug-ins of PLUGIN_FOLDER, and with each of them alone. Prints "name value" lines:
+medians of milliseconds and of the most resident bytes, and how far the milliseconds lie apart.
+
+What a plug-in adds to the others, and how much longer than the bare window the workbench takes, are medians over pairs
+of starts, one right after the other: what else the machine does meanwhile touches both.
 """
 import os
 import random
@@ -14,6 +17,7 @@ import time
 from pathlib import Path
 
 ROUNDS = 15
+PAIRS = 31
 PLUGIN_FOLDERS = ("baseArithm", "extArithm", "DataSource")
 
 
@@ -38,16 +42,25 @@ def placed(program, folder, plugins=()):
     return str(folder / program.name)
 
 
+def pairs(one, other):
+    """[(milliseconds of one, of the other)], each pair in the other order than the one before"""
+    start(one)
+    start(other)
+    found = []
+    for i in range(PAIRS):
+        times = {command: start(command)[0] for command in ((one, other) if i % 2 else (other, one))}
+        found.append((times[one], times[other]))
+    return found
+
+
 def main():
     program, folder, scratch = (Path(argument).resolve() for argument in sys.argv[1:4])
     plugins = [plugin for name in PLUGIN_FOLDERS for plugin in sorted((folder / name).glob("*.so"))]
     alone = placed(program, scratch / "alone")
-    commands = {"bare": [alone, "bare"], "workbench": [alone, "workbench"],
-                "pack": [placed(program, scratch / "pack", plugins), "workbench"]}
+    commands = {"bare": (alone, "bare"), "workbench": (alone, "workbench"),
+                "pack": (placed(program, scratch / "pack", plugins), "workbench")}
     for plugin in plugins:
-        commands[f"plugin_{plugin.stem}"] = [placed(program, scratch / plugin.stem, [plugin]), "workbench"]
-        others = [other for other in plugins if other != plugin]
-        commands[f"without_{plugin.stem}"] = [placed(program, scratch / f"without_{plugin.stem}", others), "workbench"]
+        commands[f"plugin_{plugin.stem}"] = (placed(program, scratch / plugin.stem, [plugin]), "workbench")
     for command in commands.values():
         start(command)  # files come from the cache from now on
     order = [name for name in commands for _ in range(ROUNDS)]
@@ -55,6 +68,13 @@ def main():
     results = {name: [] for name in commands}
     for name in order:
         results[name].append(start(commands[name]))
+    for plugin in plugins:
+        others = [other for other in plugins if other != plugin]
+        without = (placed(program, scratch / f"without_{plugin.stem}", others), "workbench")
+        added = statistics.median(whole - part for whole, part in pairs(commands["pack"], without))
+        print(f"added_{plugin.stem}_ms {added:.2f}")
+    ratio = statistics.median(whole / bare for whole, bare in pairs(commands["workbench"], commands["bare"]))
+    print(f"workbench_by_bare {ratio:.3f}")
     for name, values in results.items():
         times = [value[0] for value in values]
         print(f"{name}_ms {statistics.median(times):.2f}")
