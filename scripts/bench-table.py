@@ -58,18 +58,15 @@ def shown(value, unit="ns"):
     return f"{value:.3g} ns"
 
 
-def middle(runs):
-    """Of what several processes measured, the median of each number."""
-    return {key: statistics.median(run[key] for run in runs) if isinstance(value, (int, float)) else value
+def of_each_number(runs, function):
+    """What a function makes of each number that several processes measured; what is no number as the first has it."""
+    return {key: function([run[key] for run in runs]) if isinstance(value, (int, float)) else value
             for key, value in runs[0].items()}
 
 
-def apart(runs):
-    """The deviation of several processes' numbers divided by their mean; of one process the number alone."""
-    if len(runs) == 1:
-        return runs[0]
-    return {key: statistics.stdev(numbers) / statistics.mean(numbers) if isinstance(value, (int, float)) and
-            any(numbers := [run[key] for run in runs]) else value for key, value in runs[0].items()}
+def deviation(numbers):
+    """Divided by the mean."""
+    return statistics.stdev(numbers) / statistics.mean(numbers) if any(numbers) else 0
 
 
 class Times:
@@ -88,9 +85,10 @@ class Times:
         for run in runs:
             if not run.get("error_occurred") and run.get("aggregate_name") in found:
                 found[run["aggregate_name"]].setdefault(run["run_name"].replace("/manual_time", ""), []).append(run)
-        self.counted = {name: middle(runs_) for name, runs_ in found["median"].items()}
-        self.counted_spread = {name: apart(found["median" if len(runs_) > 1 else "cv"][name])
-                               for name, runs_ in found["cv"].items()}
+        self.counted = {name: of_each_number(medians, statistics.median) for name, medians in found["median"].items()}
+        # Of one process alone its repetitions say how far numbers lie apart.
+        self.counted_spread = {name: of_each_number(found["median"][name], deviation) if len(spreads) > 1 else spreads[0]
+                               for name, spreads in found["cv"].items()}
         self.median = {name: run["real_time"] * UNITS[run["time_unit"]] for name, run in self.counted.items()}
         self.spread = {name: run["real_time"] for name, run in self.counted_spread.items()}
 
@@ -193,7 +191,8 @@ def text_rows(time):
                                       ("writeProject", "writing", "the disk", 500)):
         for steps in (10000, 100000):
             per_step = time[f"{name}/{steps}"] / steps
-            yield Row(f"{what} {steps:,} steps, each, without {missing}", per_step, most=most, spread=time.spread.get(f"{name}/{steps}"))
+            yield Row(f"{what} {steps:,} steps, each, without {missing}", per_step, most=most,
+                      spread=time.spread.get(f"{name}/{steps}"))
 
 
 def window_rows(time):

@@ -1,13 +1,9 @@
+#include "avx2.h"
 #include "textScan.h"
 
-#if defined(__x86_64__)
-
-#include <immintrin.h>
+#if defined(HAS_AVX2)
 
 #include <cstdint>
-
-#define AVX2 __attribute__((target("avx2")))
-#define AVX2_INLINE __attribute__((target("avx2"), always_inline)) inline
 
 namespace {
 

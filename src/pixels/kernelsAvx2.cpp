@@ -1,16 +1,12 @@
 // Thirty-two pixels at a time: each half of a register holds what the sixteen-pixel form does. Compiled without
 // contraction of floating point (see CMakeLists.txt).
+#include "pixels/bytesAvx2.h"
 #include "pixels/greyForm.h"
 #include "pixels/kernels.h"
 
-#if defined(__x86_64__)
-
-#include <immintrin.h>
+#if defined(HAS_AVX2)
 
 #include <cstdint>
-
-#define AVX2 __attribute__((target("avx2")))
-#define AVX2_INLINE __attribute__((target("avx2"), always_inline)) inline
 
 namespace {
 
@@ -24,16 +20,6 @@ AVX2_INLINE __m256i halves(const unsigned char* lower, const unsigned char* uppe
 {
     return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(lower))),
                                    _mm_loadu_si128(reinterpret_cast<const __m128i*>(upper)), 1);
-}
-
-AVX2_INLINE void store(unsigned char* bytes, __m256i value)
-{
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), value);
-}
-
-AVX2_INLINE __m256i load(const unsigned char* bytes)
-{
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
 }
 
 /// Where the bytes of a register of exchanged pixels come from: those near the lower end of each half from the register
@@ -77,13 +63,13 @@ AVX2_INLINE __m256i beforeFirst(const unsigned char* source)
 /// Exchanges a step's pixels, in place, too; returns what starts two bytes before the next step, as it was.
 AVX2_INLINE __m256i exchangeStep(__m256i before, const unsigned char* source, unsigned char* target)
 {
-    const __m256i a = exchanged<0>(before, load(source + 2));
-    const __m256i b = exchanged<32>(load(source + 30), load(source + 34));
-    const __m256i c = exchanged<64>(load(source + 62), load(source + 66));
-    const __m256i next = load(source + 3 * Step - 2);
-    store(target, a);
-    store(target + 32, b);
-    store(target + 64, c);
+    const __m256i a = exchanged<0>(before, loadBytes(source + 2));
+    const __m256i b = exchanged<32>(loadBytes(source + 30), loadBytes(source + 34));
+    const __m256i c = exchanged<64>(loadBytes(source + 62), loadBytes(source + 66));
+    const __m256i next = loadBytes(source + 3 * Step - 2);
+    storeBytes(target, a);
+    storeBytes(target + 32, b);
+    storeBytes(target + 64, c);
     return next;
 }
 
@@ -135,16 +121,11 @@ AVX2 void exchange(const unsigned char* source, unsigned char* target, std::size
 
 AVX2 void rgbOfGrey(const unsigned char* grey, unsigned char* rgb, std::size_t count)
 {
-    const __m128i first = _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5);
-    const __m128i second = _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10);
-    const __m128i third = _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15);
-    const __m256i firstSecond = _mm256_set_m128i(second, first);
-    const __m256i thirdFirst = _mm256_set_m128i(first, third);
-    const __m256i secondThird = _mm256_set_m128i(third, second);
+    const ThriceShuffles thrice = thriceShuffles();
     for (; count >= Step; count -= Step, grey += Step, rgb += 3 * Step) {
-        store(rgb, _mm256_shuffle_epi8(halves(grey, grey), firstSecond));
-        store(rgb + 32, _mm256_shuffle_epi8(halves(grey, grey + Half), thirdFirst));
-        store(rgb + 64, _mm256_shuffle_epi8(halves(grey + Half, grey + Half), secondThird));
+        storeBytes(rgb, _mm256_shuffle_epi8(halves(grey, grey), thrice.m_cFirstSecond));
+        storeBytes(rgb + 32, _mm256_shuffle_epi8(halves(grey, grey + Half), thrice.m_cThirdFirst));
+        storeBytes(rgb + 64, _mm256_shuffle_epi8(halves(grey + Half, grey + Half), thrice.m_cSecondThird));
     }
     PixelKernels::plain().m_pfnRgbOfGrey(grey, rgb, count);
 }
@@ -233,14 +214,14 @@ AVX2_INLINE bool greyOf(__m256i a, __m256i b, __m256i c, __m256i d, unsigned cha
     const __m256i values = _mm256_packus_epi16(values0, values1);
     const __m256i multiples = _mm256_packs_epi16(multiples0, multiples1);
     if (__builtin_expect(_mm256_testz_si256(multiples, multiples), 1)) {
-        store(grey, values);
+        storeBytes(grey, values);
         return true;
     }
     const __m256i paired = _mm256_packs_epi16(_mm256_packs_epi32(Four::paired(a), Four::paired(b)),
                                               _mm256_packs_epi32(Four::paired(c), Last::paired(d)));
     if (!_mm256_testc_si256(paired, multiples))  // not every one is a pure grey
         return false;
-    store(grey, _mm256_add_epi8(values, _mm256_and_si256(belowOf(values), multiples)));
+    storeBytes(grey, _mm256_add_epi8(values, _mm256_and_si256(belowOf(values), multiples)));
     return true;
 }
 
@@ -285,12 +266,13 @@ AVX2 __attribute__((noinline)) std::size_t greyOfPureGreys(const unsigned char* 
     const auto different = [&](std::size_t third, const unsigned char* bytes)
         __attribute__((always_inline, target("avx2")))
     {
-        return _mm256_and_si256(_mm256_xor_si256(load(bytes), load(bytes + 1)), load(Compared[third].data()));
+        return _mm256_and_si256(_mm256_xor_si256(loadBytes(bytes), loadBytes(bytes + 1)),
+                                loadBytes(Compared[third].data()));
     };
     const auto gathered = [&](std::size_t third, const unsigned char* bytes)
         __attribute__((always_inline, target("avx2")))
     {
-        return _mm256_shuffle_epi8(halves(bytes, bytes + 3 * Half), load(First[third].data()));
+        return _mm256_shuffle_epi8(halves(bytes, bytes + 3 * Half), loadBytes(First[third].data()));
     };
     std::size_t done = 0;
     for (; count - done >= Step; done += Step, rgb += 3 * Step) {
@@ -300,7 +282,7 @@ AVX2 __attribute__((noinline)) std::size_t greyOfPureGreys(const unsigned char* 
             break;
         const __m256i values =
             _mm256_or_si256(_mm256_or_si256(gathered(0, rgb), gathered(1, rgb + 16)), gathered(2, rgb + 32));
-        store(grey + done, _mm256_add_epi8(values, belowOf(values)));
+        storeBytes(grey + done, _mm256_add_epi8(values, belowOf(values)));
     }
     return done;
 }

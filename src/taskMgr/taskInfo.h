@@ -207,7 +207,7 @@ private:
         std::array<char, 64> m_achBytes;
     };
     std::vector<CacheLine> m_vecScratch;  ///< The option text that an algorithm gets and may scribble on.
-    alignas(64) std::atomic<long long> m_nPassNum{0};
+    alignas(CacheLine) std::atomic<long long> m_nPassNum{0};
 };
 
 static_assert(alignof(TaskInfo) == 64, "what a task counts in each pass has a line of the cache to itself");

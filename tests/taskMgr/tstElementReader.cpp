@@ -52,6 +52,29 @@ QList<int> namedIDs(const QString& text)
     return ids;
 }
 
+/// The definition, one bracket at a time: the number in each element whose name ends in "id" in any case.
+QList<int> idsBehindEachBracket(const QString& text)
+{
+    const auto endOfName = [&text](int index) {
+        while (index < text.length() && text.at(index) != '<' && text.at(index) != '>')
+            ++index;
+        return index;
+    };
+    QList<int> ids;
+    for (int open = text.indexOf('<'); open >= 0; open = text.indexOf('<', open + 1)) {
+        const int nameEnd = endOfName(open + 1);
+        const QString name = text.mid(open + 1, nameEnd - open - 1);
+        const int bodyEnd = endOfName(nameEnd + 1);
+        const QString closing = text.mid(bodyEnd, name.length() + 3);
+        bool ok = false;
+        const int id = text.mid(nameEnd + 1, bodyEnd - nameEnd - 1).trimmed().toInt(&ok, 10);
+        if (nameEnd < text.length() && text.at(nameEnd) == '>' && name.endsWith("id", Qt::CaseInsensitive) &&
+            !name.startsWith('/') && closing.compare("</" + name + ">", Qt::CaseInsensitive) == 0 && ok)
+            ids += id;
+    }
+    return ids;
+}
+
 }  // namespace
 
 class tstElementReader : public QObject
@@ -210,29 +233,6 @@ void tstElementReader::namedIdentifiersAreFound()
     QCOMPARE(namedIDs(text), ids);
 }
 
-/// The definition, one bracket at a time: the number in each element whose name ends in "id" in any case.
-QList<int> idsBehindEachBracket(const QString& text)
-{
-    const auto endOfName = [&text](int index) {
-        while (index < text.length() && text.at(index) != '<' && text.at(index) != '>')
-            ++index;
-        return index;
-    };
-    QList<int> ids;
-    for (int open = text.indexOf('<'); open >= 0; open = text.indexOf('<', open + 1)) {
-        const int nameEnd = endOfName(open + 1);
-        const QString name = text.mid(open + 1, nameEnd - open - 1);
-        const int bodyEnd = endOfName(nameEnd + 1);
-        const QString closing = text.mid(bodyEnd, name.length() + 3);
-        bool ok = false;
-        const int id = text.mid(nameEnd + 1, bodyEnd - nameEnd - 1).trimmed().toInt(&ok, 10);
-        if (nameEnd < text.length() && text.at(nameEnd) == '>' && name.endsWith("id", Qt::CaseInsensitive) &&
-            !name.startsWith('/') && closing.compare("</" + name + ">", Qt::CaseInsensitive) == 0 && ok)
-            ids += id;
-    }
-    return ids;
-}
-
 void tstElementReader::namedIdentifiersAreThoseBehindEachBracket()
 {
     Texts texts({"<PicID>",
@@ -263,8 +263,7 @@ void tstElementReader::namedIdentifiersAreThoseBehindEachBracket()
     for (int round = 0; round < 20000; ++round) {
         const QString text = texts.next(2 + round % 30);
         const QList<int> expected = idsBehindEachBracket(text);
-        QList<int> ids;
-        ProjectText::forEachNamedID(text, [&ids](int id) { ids += id; });
+        const QList<int> ids = namedIDs(text);
         if (ids != expected)
             QFAIL(qPrintable(text));
         found += ids.size();
