@@ -109,6 +109,11 @@ bool isBracket(QChar c)
     return c == QLatin1Char('<') || c == QLatin1Char('>');
 }
 
+bool isLetterI(QChar c)
+{
+    return c == QLatin1Char('i') || c == QLatin1Char('I');
+}
+
 /// The number that a text is, blanks around it allowed; nothing when it is none that an int holds.
 std::optional<int> numberOf(QStringView text)
 {
@@ -135,7 +140,8 @@ bool beginsWithClosingTag(QStringView text, QStringView name)
 
 }  // namespace
 
-// The end of such a name is rare; the tag around it is looked for only there, back and forth to the next brackets.
+// The end of such a name is rare; the tag around it is looked for only there, back and forth to the next brackets. An
+// element that was found is left behind as a whole: what its closing tag ends with is no name.
 void ProjectText::forEachNamedID(const QString& text, const std::function<void(int)>& found)
 {
     constexpr TextScan::OneOf LastLetter{u'd', u'D'};
@@ -146,18 +152,20 @@ void ProjectText::forEachNamedID(const QString& text, const std::function<void(i
     const QChar* const end = view.end();
     for (int last = indexOfPair(view, 0, LastLetter, TagEnd); last < text.length();
          last = indexOfPair(view, last + 1, LastLetter, TagEnd)) {
+        if (last == 0 || !isLetterI(begin[last - 1]))
+            continue;
         const QChar* const nameEnd = begin + last + 1;
         const QChar* nameBegin = nameEnd;
         while (nameBegin > begin && !isBracket(nameBegin[-1]))
             --nameBegin;
         const QStringView name(nameBegin, nameEnd);
-        if (nameBegin == begin || nameBegin[-1] == QLatin1Char('>') || name.startsWith(QLatin1Char('/')) ||
-            !name.endsWith(QLatin1String("id"), Qt::CaseInsensitive))
+        if (nameBegin == begin || nameBegin[-1] == QLatin1Char('>') || nameBegin[0] == QLatin1Char('/'))
             continue;
         const QChar* const bodyEnd = std::find_if(nameEnd + 1, end, isBracket);
         if (!beginsWithClosingTag(QStringView(bodyEnd, end), name))
             continue;
         if (const std::optional<int> id = numberOf(QStringView(nameEnd + 1, bodyEnd)))
             found(*id);
+        last = static_cast<int>(bodyEnd - begin + name.size()) + 1;
     }
 }

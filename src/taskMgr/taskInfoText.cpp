@@ -122,9 +122,11 @@ void TaskInfo::load(TaskText text)
         m_lstItems.swap(text.m_lstSteps);
     else
         m_lstItems += text.m_lstSteps;
-    for (const int id : text.m_vecNamedIDs)
+    for (const int id : text.m_setNamedIDs)
         reserveID(id);
-    for (int row = before; flowTable() && row < m_lstItems.size(); ++row)
+    if (!flowTable())
+        return;
+    for (int row = before; row < m_lstItems.size(); ++row)
         showAddedStep(row);
 }
 

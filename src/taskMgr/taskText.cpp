@@ -57,7 +57,7 @@ TaskText TaskText::readByElements(QString body)
 
 void TaskText::noteNamedIDs(const TaskItem& step)
 {
-    ProjectText::forEachNamedID(step.m_strOption, [this](int id) { m_vecNamedIDs.append(id); });
+    ProjectText::forEachNamedID(step.m_strOption, [this](int id) { m_setNamedIDs.insert(id); });
 }
 
 namespace {

@@ -3,9 +3,9 @@
 #include "taskMgr/taskItem.h"
 
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringView>
-#include <QVector>
 
 /// What the text of one task says.
 struct TaskText
@@ -15,7 +15,7 @@ struct TaskText
     int m_nView = 0;
     QString m_strDataSource;  ///< Configuration text; empty when the task has no source.
     QList<TaskItem> m_lstSteps;
-    QVector<int> m_vecNamedIDs;  ///< The identifiers that the option texts of the steps name.
+    QSet<int> m_setNamedIDs;  ///< The identifiers that the option texts of the steps name.
 
     /**
      * Reads the body of a task element; never fails: what is missing stays empty or zero.
