@@ -21,6 +21,7 @@ struct PixelKernels
     // Null where this build or this processor does not have them.
     static const PixelKernels* ssse3();
     static const PixelKernels* avx2();
+    static const PixelKernels* avx512();
     static const PixelKernels* neon();
 
     /// All that this processor has, the plain one first and the fastest last.

@@ -15,7 +15,7 @@ const PixelKernels& best()
 std::vector<const PixelKernels*> PixelKernels::available()
 {
     std::vector<const PixelKernels*> all{&plain()};
-    for (const PixelKernels* kernels : {ssse3(), avx2(), neon()}) {
+    for (const PixelKernels* kernels : {ssse3(), avx2(), avx512(), neon()}) {
         if (kernels)
             all.push_back(kernels);
     }

@@ -1,7 +1,9 @@
+#include "guardedPage.h"
 #include "pixelSupport.h"
 #include "pixels/pixels.h"
 #include "pixels/samplingKernels.h"
 
+#include <algorithm>
 #include <cstring>
 
 #if defined(__arm__)
@@ -54,6 +56,21 @@ void checkMove(const PixelKernels& form, const Move& move, std::size_t count, st
     QCOMPARE(source, before);
 }
 
+/// Rows that begin or end with a page whose neighbours nobody may touch.
+void checkBetweenPages(const PixelKernels& form, const Move& move, std::size_t count, const GuardedPage& source,
+                       const GuardedPage& target)
+{
+    const Bytes pixels = mixedBytes(count * move.m_nSourceBytes, static_cast<unsigned>(count));
+    const Bytes expected = moved(pixels, move);
+    for (unsigned char* from : {source.first(), source.last(pixels.size())}) {
+        for (unsigned char* to : {target.first(), target.last(expected.size())}) {
+            std::copy(pixels.begin(), pixels.end(), from);
+            (form.*move.m_pOperation)(from, to, count);
+            QCOMPARE(Bytes(to, to + expected.size()), expected);
+        }
+    }
+}
+
 void checkExchangeInPlace(const PixelKernels& form, std::size_t count, std::size_t offset)
 {
     const Bytes before = mixedBytes(3 * count, static_cast<unsigned>(count));
@@ -83,6 +100,8 @@ QStringList namesOf(const std::vector<const Kernels*>& forms)
 /// Of these forms, from the slowest to the fastest, those that the processor has.
 QStringList expectedNames(QStringList names)
 {
+    if (!__builtin_cpu_supports("avx512bw") || !__builtin_cpu_supports("avx512vbmi"))
+        names.removeAll("avx512");
     if (!__builtin_cpu_supports("avx2"))
         names.removeAll("avx2");
     if (!__builtin_cpu_supports("ssse3"))
@@ -103,8 +122,8 @@ private Q_SLOTS:
     {
         const PixelKernels& form = formOfRow();
         for (const Move& move : Moves) {
-            for (std::size_t offset = 0; offset < 33; ++offset) {
-                for (std::size_t count = 0; count <= 140; ++count) {
+            for (std::size_t offset = 0; offset < 65; ++offset) {
+                for (std::size_t count = 0; count <= 210; ++count) {
                     checkMove(form, move, count, offset);
                     if (QTest::currentTestFailed())
                         return;
@@ -115,11 +134,26 @@ private Q_SLOTS:
         }
     }
 
+    void nothingAroundARowIsReadOrWritten_data() { addForms(); }
+    void nothingAroundARowIsReadOrWritten()
+    {
+        const PixelKernels& form = formOfRow();
+        const GuardedPage source;
+        const GuardedPage target;
+        for (const Move& move : Moves) {
+            for (std::size_t count = 0; count <= 210; ++count) {
+                checkBetweenPages(form, move, count, source, target);
+                if (QTest::currentTestFailed())
+                    return;
+            }
+        }
+    }
+
     void everyByteReachesEveryPlace_data() { addForms(); }
     void everyByteReachesEveryPlace()
     {
         const PixelKernels& form = formOfRow();
-        constexpr std::size_t Count = 96;
+        constexpr std::size_t Count = 192;
         for (const Move& move : Moves) {
             for (std::size_t byte = 0; byte < Count * move.m_nSourceBytes; ++byte) {
                 Bytes source(Count * move.m_nSourceBytes, 0);
@@ -135,8 +169,8 @@ private Q_SLOTS:
     void exchangeWorksInPlaceAndTwiceIsNothing()
     {
         const PixelKernels& form = formOfRow();
-        for (std::size_t offset = 0; offset <= 16; ++offset) {
-            for (std::size_t count = 0; count <= 140; ++count) {
+        for (std::size_t offset = 0; offset <= 64; ++offset) {
+            for (std::size_t count = 0; count <= 210; ++count) {
                 checkExchangeInPlace(form, count, offset);
                 if (QTest::currentTestFailed())
                     return;
@@ -169,7 +203,7 @@ private Q_SLOTS:
         QCOMPARE(PixelKernels::avx2() != nullptr, bool(__builtin_cpu_supports("avx2")));
         QCOMPARE(SamplingKernels::ssse3() != nullptr, bool(__builtin_cpu_supports("ssse3")));
         QCOMPARE(SamplingKernels::avx2() != nullptr, bool(__builtin_cpu_supports("avx2")));
-        QCOMPARE(namesOf(PixelKernels::available()), expectedNames({"plain", "ssse3", "avx2"}));
+        QCOMPARE(namesOf(PixelKernels::available()), expectedNames({"plain", "ssse3", "avx2", "avx512"}));
         QCOMPARE(namesOf(SamplingKernels::available()), expectedNames({"plain", "ssse3", "avx2"}));
 #elif defined(__arm__)
         constexpr unsigned long Neon = 1UL << 12;  // of AT_HWCAP
