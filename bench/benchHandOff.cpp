@@ -3,6 +3,7 @@
 #include "inTurns.h"
 #include "memoryDisk/memoryDisk.h"
 #include "paramStore/pictureLayout.h"
+#include "pixels/pixels.h"
 
 #ifdef LUMIVANT_BENCH_GSTREAMER
 #include "gstreamerPair.h"
@@ -80,7 +81,7 @@ public:
                 MemoryDisk::DIB* slot = m_pcDisk->requestDIB();
                 if (!slot)
                     return state.SkipWithError("the disk lost a picture");
-                std::memcpy(target.data(), slot->getDIB(), target.size());
+                Pixels::copyPicture(slot->getDIB(), target.data(), target.size());  // as a task does
                 m_pcDisk->releaseDIB(slot);
             });
     }

@@ -2,8 +2,7 @@
 
 #include "paramStore/arithmParamMgr.h"
 #include "paramStore/pictureLayout.h"
-
-#include <cstring>
+#include "pixels/pixels.h"
 
 std::atomic<int> DataSource::DataSourceInstance::BaseID{1};
 
@@ -46,7 +45,7 @@ bool copyInto(Record& record, const unsigned char* picture, int width, int heigh
     unsigned char* pixels = pixelsOf(record);
     if (!pixels)
         return false;
-    std::memcpy(pixels, picture, static_cast<std::size_t>(bytes));
+    Pixels::copyPicture(picture, pixels, static_cast<std::size_t>(bytes));
     return true;
 }
 

@@ -4,11 +4,11 @@
 #include "drawing/greyOverlay.h"
 #include "drawing/viewScaleOpt.h"
 #include "paramStore/pictureLayout.h"
+#include "pixels/pixels.h"
 
 #include <QImage>
 
 #include <array>
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -34,7 +34,8 @@ Drawing::ImageDrawingOpt::ImageDrawingOpt(int dataType, int dataId, const void* 
     : DrawingOpt(dataType, dataId), m_cPixels(pixels ? byteNum : 0), m_nWidth(width), m_nHeight(height)
 {
     if (hasPixels())
-        std::memcpy(m_cPixels.data(), pixels, static_cast<std::size_t>(byteNum));
+        Pixels::copyPicture(static_cast<const unsigned char*>(pixels), m_cPixels.data(),
+                            static_cast<std::size_t>(byteNum));
 }
 
 QRectF Drawing::ImageDrawingOpt::place(const QImage& canvas, WindowQuotients quotients) const

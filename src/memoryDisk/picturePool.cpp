@@ -1,6 +1,7 @@
 #include "memoryDisk/picturePool.h"
 
-#include <cstring>
+#include "pixels/pixels.h"
+
 #include <new>
 
 bool PictureSlot::store(const unsigned char* data, std::int64_t bytes, int width, int height)
@@ -14,6 +15,6 @@ bool PictureSlot::store(const unsigned char* data, std::int64_t bytes, int width
     m_nWidth = fits ? width : 0;
     m_nHeight = fits ? height : 0;
     if (fits)
-        std::memcpy(m_pchPixels.get(), data, static_cast<std::size_t>(bytes));
+        Pixels::copyPictureAside(data, m_pchPixels.get(), static_cast<std::size_t>(bytes));
     return fits;
 }
