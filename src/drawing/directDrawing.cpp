@@ -98,13 +98,11 @@ class OverlayColours
 {
 public:
     OverlayColours(const GreyOverlay& overlay, std::size_t count)
-        : m_cOverlay(overlay), m_nCount(count), m_vecRgb(3 * count + 2)
+        : m_cOverlay(overlay), m_nCount(count), m_vecRgb(3 * count)
     {
         const bool isOne = overlay.m_eColours == GreyOverlay::Colours::OneColour;
-        for (std::size_t value = 0; value < Values; ++value) {
+        for (std::size_t value = 0; value < Values; ++value)
             m_aColours[value] = pixelOf(isOne ? overlay.m_nColour : overlay.colourOf(static_cast<int>(value)));
-            m_aBehind[value] = std::uint64_t{m_aColours[value]} << 24;
-        }
         if (isOne)
             fill(std::vector<unsigned char>(count).data());
     }
@@ -130,34 +128,14 @@ private:
         return static_cast<Pixel>(qRed(colour) | qGreen(colour) << 8 | qBlue(colour) << 16);
     }
 
-    /// Two pixels and two bytes behind them.
-    void storeTwo(const unsigned char* grey, unsigned char* target) const
-    {
-        static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "the lower pixel stands in front");
-        const std::uint64_t two = m_aColours[grey[0]] | m_aBehind[grey[1]];
-        std::memcpy(target, &two, sizeof two);
-    }
-
-    /// What is stored behind two pixels is theirs who come next; there is room for it behind the last ones, too.
     void fill(const unsigned char* grey)
     {
-        constexpr int Block = 8;  // pixels
-        unsigned char* target = m_vecRgb.data();
-        const unsigned char* const end = grey + m_nCount;
-        for (; end - grey >= Block; grey += Block, target += 3 * Block) {
-            for (int i = 0; i < Block; i += 2)
-                storeTwo(grey + i, target + 3 * i);
-        }
-        for (; end - grey >= 2; grey += 2, target += 6)
-            storeTwo(grey, target);
-        if (grey < end)
-            std::memcpy(target, &m_aColours[*grey], 3);
+        SamplingKernels::best().m_pfnLookUp(grey, m_aColours.data(), m_vecRgb.data(), m_nCount);
     }
 
     const GreyOverlay& m_cOverlay;
     std::size_t m_nCount;
-    std::array<Pixel, Values> m_aColours;         ///< By grey value.
-    std::array<std::uint64_t, Values> m_aBehind;  ///< The same as they stand behind another pixel.
+    std::array<Pixel, Values> m_aColours;  ///< By grey value.
     std::vector<unsigned char> m_vecRgb;
 };
 

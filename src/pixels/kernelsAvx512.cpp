@@ -1,16 +1,12 @@
 // Sixty-four pixels at a time where AVX-512 has something that AVX2 has not: a byte of the target from any byte of two
 // registers. The other operations are those of AVX2.
+#include "avx512.h"
 #include "pixels/kernels.h"
 
-#if defined(__x86_64__)
-
-#include <immintrin.h>
+#if defined(HAS_AVX512)
 
 #include <array>
 #include <cstdint>
-
-#define AVX512 __attribute__((target("avx512f,avx512bw,avx512vbmi")))
-#define AVX512_INLINE __attribute__((target("avx512f,avx512bw,avx512vbmi"), always_inline)) inline
 
 namespace {
 
@@ -116,7 +112,7 @@ AVX512 void exchange(const unsigned char* source, unsigned char* target, std::si
 
 const PixelKernels* PixelKernels::avx512()
 {
-    if (!__builtin_cpu_supports("avx512bw") || !__builtin_cpu_supports("avx512vbmi") || !avx2())
+    if (!processorHasAvx512() || !avx2())
         return nullptr;
     static const PixelKernels kernels{"avx512",
                                       exchange,

@@ -39,7 +39,8 @@ const SamplingKernels* SamplingKernels::avx2()
 {
     if (!__builtin_cpu_supports("avx2") || !ssse3())
         return nullptr;
-    static const SamplingKernels kernels{"avx2", ssse3()->m_pfnColour, ssse3()->m_pfnGrey, overlay};
+    static const SamplingKernels kernels{"avx2", ssse3()->m_pfnColour, ssse3()->m_pfnGrey, overlay,
+                                         plain().m_pfnLookUp};
     return &kernels;
 }
 

@@ -3,6 +3,7 @@
 #include "pixels/columnMap.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 /**
@@ -21,10 +22,16 @@ struct SamplingKernels
     using Overlay = void (*)(const unsigned char* grey, const unsigned char* rgb, bool whereZero, unsigned char* target,
                              std::size_t count);
 
+    /// Three bytes for each grey value: those of its colour, of which there are 256, the first one lowest and zero
+    /// above the third.
+    using LookUp = void (*)(const unsigned char* grey, const std::uint32_t* colours, unsigned char* target,
+                            std::size_t count);
+
     const char* m_pchName;
     Colour m_pfnColour;
     Grey m_pfnGrey;
     Overlay m_pfnOverlay;
+    LookUp m_pfnLookUp;
 
     /// Plain C++: what the others have to equal, and what they leave the last pixels of a row to.
     static const SamplingKernels& plain();
@@ -32,6 +39,7 @@ struct SamplingKernels
     // Null where this build or this processor does not have them.
     static const SamplingKernels* ssse3();
     static const SamplingKernels* avx2();
+    static const SamplingKernels* avx512();
     static const SamplingKernels* neon();
 
     /// All that this processor has, the plain one first and the fastest last.

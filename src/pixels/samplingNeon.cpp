@@ -40,13 +40,12 @@ NEON void overlay(const unsigned char* grey, const unsigned char* rgb, bool wher
     SamplingKernels::plain().m_pfnOverlay(grey, rgb, whereZero, target, count);
 }
 
-constexpr SamplingKernels Neon{"neon", colour, grey, overlay};
-
 }  // namespace
 
 const SamplingKernels* SamplingKernels::neon()
 {
-    return processorHasNeon() ? &Neon : nullptr;
+    static const SamplingKernels kernels{"neon", colour, grey, overlay, plain().m_pfnLookUp};
+    return processorHasNeon() ? &kernels : nullptr;
 }
 
 #else

@@ -1,5 +1,7 @@
 #include "pixels/samplingKernels.h"
 
+#include <cstring>
+
 namespace {
 
 void colour(const unsigned char* row, const ColumnMap& map, bool exchange, unsigned char* target)
@@ -23,7 +25,20 @@ void overlay(const unsigned char* grey, const unsigned char* rgb, bool whereZero
     }
 }
 
-constexpr SamplingKernels Plain{"plain", colour, grey, overlay};
+/// Two pixels with each store, whose last two bytes are theirs who come next.
+void lookUp(const unsigned char* grey, const std::uint32_t* colours, unsigned char* target, std::size_t count)
+{
+    static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the lower pixel stands in front");
+    std::size_t i = 0;
+    for (; i + 3 <= count; i += 2) {
+        const std::uint64_t two = colours[grey[i]] | std::uint64_t{colours[grey[i + 1]]} << 24;
+        std::memcpy(target + 3 * i, &two, sizeof two);
+    }
+    for (; i < count; ++i)
+        std::memcpy(target + 3 * i, &colours[grey[i]], 3);
+}
+
+constexpr SamplingKernels Plain{"plain", colour, grey, overlay, lookUp};
 
 }  // namespace
 
@@ -57,7 +72,7 @@ const SamplingKernels& SamplingKernels::plain()
 std::vector<const SamplingKernels*> SamplingKernels::available()
 {
     std::vector<const SamplingKernels*> all{&plain()};
-    for (const SamplingKernels* kernels : {ssse3(), avx2(), neon()}) {
+    for (const SamplingKernels* kernels : {ssse3(), avx2(), avx512(), neon()}) {
         if (kernels)
             all.push_back(kernels);
     }

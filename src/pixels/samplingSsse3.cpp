@@ -94,13 +94,12 @@ SSSE3 void overlay(const unsigned char* grey, const unsigned char* rgb, bool whe
     SamplingKernels::plain().m_pfnOverlay(grey + i, rgb + 3 * i, whereZero, target + 3 * i, count - i);
 }
 
-constexpr SamplingKernels Ssse3{"ssse3", colour, grey, overlay};
-
 }  // namespace
 
 const SamplingKernels* SamplingKernels::ssse3()
 {
-    return __builtin_cpu_supports("ssse3") ? &Ssse3 : nullptr;
+    static const SamplingKernels kernels{"ssse3", colour, grey, overlay, plain().m_pfnLookUp};
+    return __builtin_cpu_supports("ssse3") ? &kernels : nullptr;
 }
 
 #else

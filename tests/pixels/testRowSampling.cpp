@@ -1,8 +1,10 @@
+#include "guardedPage.h"
 #include "pixelSupport.h"
 #include "pixels/samplingKernels.h"
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
 
 using namespace PixelSupport;
 
@@ -131,6 +133,66 @@ void checkOverlay(const SamplingKernels& form, std::size_t count, bool whereZero
     QVERIFY(target.frontIsUntouched());
 }
 
+/// A different colour for each of the 256 values.
+std::vector<std::uint32_t> colourTable()
+{
+    std::mt19937 random(5);
+    std::vector<std::uint32_t> colours(256);
+    for (std::uint32_t& colour : colours)
+        colour = static_cast<std::uint32_t>(random()) & 0xFFFFFF;
+    return colours;
+}
+
+Bytes lookedUp(const Bytes& grey, const std::vector<std::uint32_t>& colours)
+{
+    Bytes bytes;
+    for (const unsigned char value : grey) {
+        for (const unsigned shift : {0U, 8U, 16U})
+            bytes.push_back(static_cast<unsigned char>(colours[value] >> shift));
+    }
+    return bytes;
+}
+
+void checkLookUp(const SamplingKernels& form, const Bytes& values, Offsets offsets = {})
+{
+    const std::vector<std::uint32_t> colours = colourTable();
+    const Exact grey(values, offsets.m_nSource);
+    const Exact target(Bytes(3 * values.size(), 0x5A), offsets.m_nTarget);
+    form.m_pfnLookUp(grey.data(), colours.data(), target.data(), values.size());
+    QCOMPARE(target.bytes(), lookedUp(values, colours));
+    QVERIFY(target.frontIsUntouched());
+}
+
+/// A row at either end of a page whose neighbours nobody may touch, into another one.
+void checkColourBetweenPages(const SamplingKernels& form, const ColumnMap& map, int rowWidth, const GuardedPage& source,
+                             const GuardedPage& target)
+{
+    const Bytes row = mixedBytes(3 * static_cast<std::size_t>(rowWidth), static_cast<unsigned>(rowWidth));
+    Bytes expected(3 * map.count());
+    SamplingKernels::plain().m_pfnColour(row.data(), map, true, expected.data());
+    for (unsigned char* from : {source.first(), source.last(row.size())}) {
+        for (unsigned char* to : {target.first(), target.last(expected.size())}) {
+            std::copy(row.begin(), row.end(), from);
+            form.m_pfnColour(from, map, true, to);
+            QCOMPARE(Bytes(to, to + expected.size()), expected);
+        }
+    }
+}
+
+void checkLookUpBetweenPages(const SamplingKernels& form, std::size_t count, const GuardedPage& source,
+                             const GuardedPage& target)
+{
+    const Bytes values = mixedBytes(count, static_cast<unsigned>(count));
+    const std::vector<std::uint32_t> colours = colourTable();
+    for (unsigned char* from : {source.first(), source.last(count)}) {
+        for (unsigned char* to : {target.first(), target.last(3 * count)}) {
+            std::copy(values.begin(), values.end(), from);
+            form.m_pfnLookUp(from, colours.data(), to, count);
+            QCOMPARE(Bytes(to, to + 3 * count), lookedUp(values, colours));
+        }
+    }
+}
+
 }  // namespace
 
 class TestRowSampling : public QObject
@@ -144,6 +206,10 @@ private Q_SLOTS:
     void scatteredColumns();
     void overlayTakesZerosOrOthers_data() { addSamplers(); }
     void overlayTakesZerosOrOthers();
+    void greyValuesAreShownInTheirColours_data() { addSamplers(); }
+    void greyValuesAreShownInTheirColours();
+    void nothingAroundARowIsReadOrWritten_data() { addSamplers(); }
+    void nothingAroundARowIsReadOrWritten();
     void buffersNeedNoAlignment_data() { addSamplers(); }
     void buffersNeedNoAlignment();
     void mapKnowsNeighboursWindowsAndTheLastPixel();
@@ -176,6 +242,30 @@ void TestRowSampling::overlayTakesZerosOrOthers()
     }
 }
 
+void TestRowSampling::greyValuesAreShownInTheirColours()
+{
+    Bytes all(256);
+    std::iota(all.begin(), all.end(), static_cast<unsigned char>(0));
+    checkLookUp(samplerOfRow(), all);
+    for (std::size_t count = 0; count < 200; ++count)
+        checkLookUp(samplerOfRow(), mixedBytes(count, static_cast<unsigned>(count)));
+}
+
+void TestRowSampling::nothingAroundARowIsReadOrWritten()
+{
+    const SamplingKernels& form = samplerOfRow();
+    const GuardedPage source;
+    const GuardedPage target;
+    for (int rowWidth = 1; rowWidth < 150; ++rowWidth) {
+        for (const int step : {8, 16, 25, 32})
+            checkColourBetweenPages(form, ColumnMap(stepped(0, step, rowWidth, 300), rowWidth), rowWidth, source,
+                                    target);
+        checkLookUpBetweenPages(form, static_cast<std::size_t>(rowWidth), source, target);
+        if (QTest::currentTestFailed())
+            return;
+    }
+}
+
 void TestRowSampling::buffersNeedNoAlignment()
 {
     constexpr int RowWidth = 75;
@@ -186,6 +276,7 @@ void TestRowSampling::buffersNeedNoAlignment()
                 checkSampling(form, stepped(0, step, RowWidth, 60), RowWidth, {source, target});
             for (const bool whereZero : {true, false})
                 checkOverlay(form, 37, whereZero, {source, target});
+            checkLookUp(form, mixedBytes(75, 3), {source, target});
             if (QTest::currentTestFailed())
                 return;
         }
