@@ -1,6 +1,6 @@
 // Sixty-four pixels at a time where AVX-512 has something that AVX2 has not: a byte of the target from any byte of two
 // registers. The other operations are those of AVX2.
-#include "avx512.h"
+#include "pixels/bytesAvx512.h"
 #include "pixels/kernels.h"
 
 #if defined(HAS_AVX512)
@@ -11,16 +11,13 @@
 namespace {
 
 constexpr std::size_t Step = 64;  // pixels
-constexpr int Register = 64;      // bytes
-
-using Places = std::array<unsigned char, Register>;
 
 /// Where the bytes of a register of exchanged pixels come from, counted from a register of the source on. Start is the
 /// first of them among the bytes of a step.
-constexpr Places exchangePlaces(int start, int from)
+constexpr Bytes64 exchangePlaces(int start, int from)
 {
-    Places places{};
-    for (int i = 0; i < Register; ++i) {
+    Bytes64 places{};
+    for (int i = 0; i < RegisterBytes; ++i) {
         const int ofPixel = (start + i) % 3;
         const int place = start + i + (ofPixel == 0 ? 2 : ofPixel == 2 ? -2 : 0);
         places[static_cast<std::size_t>(i)] = static_cast<unsigned char>((place - from) & 0x7F);
@@ -36,41 +33,28 @@ struct Pixels64
     __m512i m_cThird;
 };
 
-AVX512_INLINE __m512i registerOf(const Places& places)
-{
-    return _mm512_loadu_si512(places.data());
-}
-
 AVX512_INLINE Pixels64 exchanged(Pixels64 pixels)
 {
     // Otherwise the compiler reads each register from memory wherever it is used, over the ends of two lines of the
     // cache each time.
     asm("" : "+v"(pixels.m_cFirst), "+v"(pixels.m_cSecond), "+v"(pixels.m_cThird));
-    static constexpr Places First = exchangePlaces(0, 0);
-    static constexpr Places Second = exchangePlaces(Register, Register);
-    static constexpr Places Third = exchangePlaces(2 * Register, Register);
+    static constexpr Bytes64 First = exchangePlaces(0, 0);
+    static constexpr Bytes64 Second = exchangePlaces(RegisterBytes, RegisterBytes);
+    static constexpr Bytes64 Third = exchangePlaces(2 * RegisterBytes, RegisterBytes);
     constexpr __mmask64 BeforeSecond = 2;  // The last byte of the first register is exchanged into the second.
-    const __m512i second = _mm512_permutex2var_epi8(pixels.m_cSecond, registerOf(Second), pixels.m_cThird);
-    return {_mm512_permutex2var_epi8(pixels.m_cFirst, registerOf(First), pixels.m_cSecond),
-            _mm512_mask_permutexvar_epi8(second, BeforeSecond, _mm512_set1_epi8(Register - 1), pixels.m_cFirst),
-            _mm512_permutex2var_epi8(pixels.m_cSecond, registerOf(Third), pixels.m_cThird)};
+    const __m512i second = _mm512_permutex2var_epi8(pixels.m_cSecond, loadBytes(Second), pixels.m_cThird);
+    return {_mm512_permutex2var_epi8(pixels.m_cFirst, loadBytes(First), pixels.m_cSecond),
+            _mm512_mask_permutexvar_epi8(second, BeforeSecond, _mm512_set1_epi8(RegisterBytes - 1), pixels.m_cFirst),
+            _mm512_permutex2var_epi8(pixels.m_cSecond, loadBytes(Third), pixels.m_cThird)};
 }
 
 AVX512_INLINE void exchangeStep(const unsigned char* source, unsigned char* target)
 {
-    const Pixels64 result = exchanged(
-        {_mm512_loadu_si512(source), _mm512_loadu_si512(source + Register), _mm512_loadu_si512(source + 2 * Register)});
+    const Pixels64 result = exchanged({_mm512_loadu_si512(source), _mm512_loadu_si512(source + RegisterBytes),
+                                       _mm512_loadu_si512(source + 2 * RegisterBytes)});
     _mm512_storeu_si512(target, result.m_cFirst);
-    _mm512_storeu_si512(target + Register, result.m_cSecond);
-    _mm512_storeu_si512(target + 2 * Register, result.m_cThird);
-}
-
-/// The bytes of a register that belong to the first bytes of a step.
-AVX512_INLINE __mmask64 firstBytes(std::size_t bytes, std::size_t registersBefore)
-{
-    const std::size_t before = registersBefore * Register;
-    const std::size_t left = bytes > before ? bytes - before : 0;
-    return left >= Register ? ~__mmask64{0} : (__mmask64{1} << left) - 1;
+    _mm512_storeu_si512(target + RegisterBytes, result.m_cSecond);
+    _mm512_storeu_si512(target + 2 * RegisterBytes, result.m_cThird);
 }
 
 /// Less than a step; nothing else is read or written.
@@ -80,11 +64,11 @@ AVX512_INLINE void exchangePart(const unsigned char* source, unsigned char* targ
     const __mmask64 second = firstBytes(3 * count, 1);
     const __mmask64 third = firstBytes(3 * count, 2);
     const Pixels64 result =
-        exchanged({_mm512_maskz_loadu_epi8(first, source), _mm512_maskz_loadu_epi8(second, source + Register),
-                   _mm512_maskz_loadu_epi8(third, source + 2 * Register)});
+        exchanged({_mm512_maskz_loadu_epi8(first, source), _mm512_maskz_loadu_epi8(second, source + RegisterBytes),
+                   _mm512_maskz_loadu_epi8(third, source + 2 * RegisterBytes)});
     _mm512_mask_storeu_epi8(target, first, result.m_cFirst);
-    _mm512_mask_storeu_epi8(target + Register, second, result.m_cSecond);
-    _mm512_mask_storeu_epi8(target + 2 * Register, third, result.m_cThird);
+    _mm512_mask_storeu_epi8(target + RegisterBytes, second, result.m_cSecond);
+    _mm512_mask_storeu_epi8(target + 2 * RegisterBytes, third, result.m_cThird);
 }
 
 /// How many pixels are in front of the first that starts with a line of the cache, for stores that cross none. 43 times
