@@ -40,17 +40,24 @@ double timeOfPicture(int pictures, const Write& write, const Read& read)
            pictures;
 }
 
-/// The limit: neither thread waits for the other, so what is copied out may be any mixture. They start half the slots
+using Copy = void (*)(const unsigned char* source, unsigned char* target, std::size_t bytes);
+
+void copyByMemcpy(const unsigned char* source, unsigned char* target, std::size_t bytes)
+{
+    std::memcpy(target, source, bytes);
+}
+
+/// The limits: neither thread waits for the other, so what is copied out may be any mixture. They start half the slots
 /// apart, so that they do not want the same lines of the cache.
-class PlainCopies
+class BareCopies
 {
 public:
-    explicit PlainCopies(const Picture& picture) { m_aSlots.fill(picture); }
-    double measure(int pictures, const Picture& source, Picture& target)
+    explicit BareCopies(const Picture& picture) { m_aSlots.fill(picture); }
+    double measure(int pictures, const Picture& source, Picture& target, Copy in, Copy out)
     {
         return timeOfPicture(
-            pictures, [&](int turn) { std::memcpy(slotOf(turn), source.data(), source.size()); },
-            [&](int turn) { std::memcpy(target.data(), slotOf(turn + Slots / 2), target.size()); });
+            pictures, [&](int turn) { in(source.data(), slotOf(turn), source.size()); },
+            [&](int turn) { out(slotOf(turn + Slots / 2), target.data(), target.size()); });
     }
 
 private:
@@ -100,10 +107,12 @@ void handOff(benchmark::State& state)
     const int pictures = static_cast<int>(state.range(2));
     Picture source(static_cast<std::size_t>(PictureLayout::colourBytes(width, height)), 7);
     Picture target(source.size());
-    PlainCopies copies(source);
+    BareCopies copies(source);
     const ThroughDisk disk(source, width, height);
     InTurns turns;
-    turns.add("copies", [&] { return copies.measure(pictures, source, target); });
+    turns.add("copies", [&] { return copies.measure(pictures, source, target, copyByMemcpy, copyByMemcpy); });
+    turns.add("ownCopies",
+              [&] { return copies.measure(pictures, source, target, Pixels::copyPictureAside, Pixels::copyPicture); });
     turns.add("disk", [&] { return disk.measure(pictures, source, target, state); });
 #ifdef LUMIVANT_BENCH_GSTREAMER
     GStreamerPair pooled(source.size(), true);

@@ -13,6 +13,12 @@
 #include <string>
 #include <vector>
 
+#if defined(__x86_64__)
+#define WIDEST_REGISTERS __attribute__((target_clones("avx512f", "avx2", "default")))
+#else
+#define WIDEST_REGISTERS
+#endif
+
 namespace {
 
 constexpr int Width = 1920;
@@ -59,8 +65,7 @@ void copyRow(const unsigned char* from, unsigned char* to)
 
 /// What a loop that has its bytes in registers needs at least. memcpy has ways past them: the processor's own copy does
 /// not read what it overwrites.
-__attribute__((target_clones("avx512f", "avx2", "default"))) void copyRowByRegisters(const unsigned char* from,
-                                                                                     unsigned char* to)
+WIDEST_REGISTERS void copyRowByRegisters(const unsigned char* from, unsigned char* to)
 {
     using Register [[gnu::vector_size(64), gnu::aligned(1), gnu::may_alias]] = unsigned char;
     static_assert(RowBytes % sizeof(Register) == 0, "a row is whole registers");

@@ -73,8 +73,9 @@ def lines_left_out(text, flags, root):
     if not any(re.match(r"\s*#\s*if", lines[number - 1]) for number in directives):
         return set()
     code = set(range(1, len(lines) + 1)) - directives
-    # A line of code stands for itself only. Qt's headers are not looked for, nor then those of ours that need them.
-    for included in (r"\s*#\s*include\s*<Q", r"\s*#\s*include\s*(<Q|\")"):
+    # A line of code stands for itself only. Qt's headers are not looked for, nor then those of ours that need them; what
+    # says which code is for this processor needs none.
+    for included in (r"\s*#\s*include\s*<Q", r"\s*#\s*include\s*(<Q|\"(?!avx2|avx512|neon))"):
         asked = "\n".join(f"@{number}@" if number in code else "" if re.match(included, line) else line
                           for number, line in enumerate(lines, 1))
         done = subprocess.run(["c++", "-E", "-P", "-w", "-x", "c++", "-std=c++17", f"-I{root / 'src'}", *flags, "-"],

@@ -36,7 +36,8 @@ private:
         // The old samples go first: nobody needs them, and two large pictures may not fit at once.
         m_nCapacity = 0;
         m_pcSamples.reset();
-        // Between aligned pieces malloc leaves gaps that hold none of their size, which large pictures cannot afford.
+        // For an aligned piece malloc cuts off what lies in front of it, and for large pictures that would be memory
+        // lost.
         const std::size_t bytes = count * sizeof(Sample);
         const std::align_val_t alignment{bytes <= SmallPicture ? CacheLine : alignof(Sample)};
         m_pcSamples = {static_cast<Sample*>(::operator new[](bytes, alignment, std::nothrow)), Deleter{alignment}};

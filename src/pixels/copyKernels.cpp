@@ -7,7 +7,15 @@
 #include <cstring>
 
 // What a sanitizer cannot see is left out where there is one: it knows memcpy.
-#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define HAS_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define HAS_SANITIZER
+#endif
+#endif
+
+#if defined(__x86_64__) && !defined(HAS_SANITIZER)
 #define HAS_COPIES
 #include <cpuid.h>
 #include <emmintrin.h>
@@ -54,7 +62,7 @@ void copyPastCache(const unsigned char* source, unsigned char* target, std::size
         for (std::size_t part = 0; part < Line / Register; ++part)
             _mm_stream_si128(reinterpret_cast<__m128i*>(target + i + part * Register), line[part]);
     }
-    _mm_sfence();  // Whoever is told of the picture finds it: no lock orders such writes.
+    _mm_sfence();  // Whoever is told of the picture finds it: what is released later does not wait for such writes.
     copyPlainly(source + end, target + end, bytes - end);
 }
 
@@ -105,16 +113,16 @@ std::vector<const CopyKernels*> CopyKernels::available()
 
 void Pixels::copyPicture(const unsigned char* source, unsigned char* target, std::size_t bytes)
 {
-    constexpr std::size_t OneProcessors = 1 << 20;  // what its own cache holds; memcpy is as good there
+    constexpr std::size_t OwnCache = 1 << 20;  // of one processor; for what it holds memcpy is as good
     static const CopyKernels& large = orPlain(CopyKernels::strings());
-    (bytes < OneProcessors ? CopyKernels::plain() : large).m_pfnCopy(source, target, bytes);
+    (bytes < OwnCache ? CopyKernels::plain() : large).m_pfnCopy(source, target, bytes);
 }
 
 void Pixels::copyPictureAside(const unsigned char* source, unsigned char* target, std::size_t bytes)
 {
-    constexpr std::size_t Most = 5 << 20;  // six of them are more than what the caches of a PC hold
+    constexpr std::size_t LeastAside = 5 << 20;  // six such pictures are more than what the caches of a PC hold
     static const CopyKernels& large = orPlain(CopyKernels::pastCache());
-    if (bytes < Most)
+    if (bytes < LeastAside)
         copyPicture(source, target, bytes);
     else
         large.m_pfnCopy(source, target, bytes);

@@ -57,7 +57,7 @@ AVX512_INLINE void exchangeStep(const unsigned char* source, unsigned char* targ
     _mm512_storeu_si512(target + 2 * RegisterBytes, result.m_cThird);
 }
 
-/// Less than a step; nothing else is read or written.
+/// Less than a step, but something; nothing else is read or written.
 AVX512_INLINE void exchangePart(const unsigned char* source, unsigned char* target, std::size_t count)
 {
     const __mmask64 first = firstBytes(3 * count, 0);
@@ -82,14 +82,16 @@ AVX512 void exchange(const unsigned char* source, unsigned char* target, std::si
 {
     if (count > 2 * Step) {
         const std::size_t before = pixelsToAligned(target);
-        exchangePart(source, target, before);
+        if (before > 0)
+            exchangePart(source, target, before);
         source += 3 * before;
         target += 3 * before;
         count -= before;
     }
     for (; count >= Step; count -= Step, source += 3 * Step, target += 3 * Step)
         exchangeStep(source, target);
-    exchangePart(source, target, count);
+    if (count > 0)
+        exchangePart(source, target, count);
 }
 
 }  // namespace

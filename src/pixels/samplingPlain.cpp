@@ -25,7 +25,7 @@ void overlay(const unsigned char* grey, const unsigned char* rgb, bool whereZero
     }
 }
 
-/// Two pixels with each store, whose last two bytes are theirs who come next.
+/// Two pixels with each store of eight bytes; the last two of them are overwritten by the pixels behind.
 void lookUp(const unsigned char* grey, const std::uint32_t* colours, unsigned char* target, std::size_t count)
 {
     static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the lower pixel stands in front");

@@ -163,34 +163,57 @@ void checkLookUp(const SamplingKernels& form, const Bytes& values, Offsets offse
     QVERIFY(target.frontIsUntouched());
 }
 
-/// A row at either end of a page whose neighbours nobody may touch, into another one.
-void checkColourBetweenPages(const SamplingKernels& form, const ColumnMap& map, int rowWidth, const GuardedPage& source,
-                             const GuardedPage& target)
+constexpr unsigned char Before = 0x5A;  ///< What a target holds at first.
+
+/// A source and a target at either end of pages whose neighbours nobody may touch.
+template <typename Operation>
+void checkBetweenPages(const Bytes& source, const Bytes& expected, const Operation& operation)
 {
-    const Bytes row = mixedBytes(3 * static_cast<std::size_t>(rowWidth), static_cast<unsigned>(rowWidth));
-    Bytes expected(3 * map.count());
-    SamplingKernels::plain().m_pfnColour(row.data(), map, true, expected.data());
-    for (unsigned char* from : {source.first(), source.last(row.size())}) {
-        for (unsigned char* to : {target.first(), target.last(expected.size())}) {
-            std::copy(row.begin(), row.end(), from);
-            form.m_pfnColour(from, map, true, to);
+    static const GuardedPage sourcePage;
+    static const GuardedPage targetPage;
+    for (unsigned char* from : {sourcePage.first(), sourcePage.last(source.size())}) {
+        for (unsigned char* to : {targetPage.first(), targetPage.last(expected.size())}) {
+            std::copy(source.begin(), source.end(), from);
+            std::fill_n(to, expected.size(), Before);
+            operation(from, to);
             QCOMPARE(Bytes(to, to + expected.size()), expected);
         }
     }
 }
 
-void checkLookUpBetweenPages(const SamplingKernels& form, std::size_t count, const GuardedPage& source,
-                             const GuardedPage& target)
+void checkSamplingBetweenPages(const SamplingKernels& form, const ColumnMap& map, int rowWidth)
+{
+    const Bytes row = mixedBytes(3 * static_cast<std::size_t>(rowWidth), static_cast<unsigned>(rowWidth));
+    for (const bool exchange : {false, true}) {
+        Bytes colours(3 * map.count());
+        SamplingKernels::plain().m_pfnColour(row.data(), map, exchange, colours.data());
+        checkBetweenPages(row, colours, [&](const unsigned char* from, unsigned char* to) {
+            form.m_pfnColour(from, map, exchange, to);
+        });
+    }
+    const Bytes greyRow(row.begin(), row.begin() + rowWidth);
+    Bytes greys(map.count());
+    SamplingKernels::plain().m_pfnGrey(greyRow.data(), map, greys.data());
+    checkBetweenPages(greyRow, greys,
+                      [&](const unsigned char* from, unsigned char* to) { form.m_pfnGrey(from, map, to); });
+}
+
+void checkValuesBetweenPages(const SamplingKernels& form, std::size_t count)
 {
     const Bytes values = mixedBytes(count, static_cast<unsigned>(count));
+    const Bytes rgb = mixedBytes(3 * count, static_cast<unsigned>(count + 1));
     const std::vector<std::uint32_t> colours = colourTable();
-    for (unsigned char* from : {source.first(), source.last(count)}) {
-        for (unsigned char* to : {target.first(), target.last(3 * count)}) {
-            std::copy(values.begin(), values.end(), from);
-            form.m_pfnLookUp(from, colours.data(), to, count);
-            QCOMPARE(Bytes(to, to + 3 * count), lookedUp(values, colours));
-        }
-    }
+    Bytes overlaid(3 * count, Before);
+    SamplingKernels::plain().m_pfnOverlay(values.data(), rgb.data(), true, overlaid.data(), count);
+    checkBetweenPages(values, lookedUp(values, colours), [&](const unsigned char* from, unsigned char* to) {
+        form.m_pfnLookUp(from, colours.data(), to, count);
+    });
+    checkBetweenPages(values, overlaid, [&](const unsigned char* from, unsigned char* to) {
+        form.m_pfnOverlay(from, rgb.data(), true, to, count);
+    });
+    checkBetweenPages(rgb, overlaid, [&](const unsigned char* from, unsigned char* to) {
+        form.m_pfnOverlay(values.data(), from, true, to, count);
+    });
 }
 
 }  // namespace
@@ -254,13 +277,10 @@ void TestRowSampling::greyValuesAreShownInTheirColours()
 void TestRowSampling::nothingAroundARowIsReadOrWritten()
 {
     const SamplingKernels& form = samplerOfRow();
-    const GuardedPage source;
-    const GuardedPage target;
     for (int rowWidth = 1; rowWidth < 150; ++rowWidth) {
         for (const int step : {8, 16, 25, 32})
-            checkColourBetweenPages(form, ColumnMap(stepped(0, step, rowWidth, 300), rowWidth), rowWidth, source,
-                                    target);
-        checkLookUpBetweenPages(form, static_cast<std::size_t>(rowWidth), source, target);
+            checkSamplingBetweenPages(form, ColumnMap(stepped(0, step, rowWidth, 300), rowWidth), rowWidth);
+        checkValuesBetweenPages(form, static_cast<std::size_t>(rowWidth));
         if (QTest::currentTestFailed())
             return;
     }

@@ -315,6 +315,9 @@ void tstTaskText::savingEndsWhereItsBytesAreNotTaken()
 
     QVERIFY(!saved.finish());
     QCOMPARE(given, 3);
+
+    QVERIFY(TaskMgr::getInstance()->save([](const QByteArray&) { return true; }));
+    QVERIFY(!TaskMgr::getInstance()->save([](const QByteArray&) { return false; }));
 }
 
 QTEST_GUILESS_MAIN(tstTaskText)
