@@ -517,8 +517,8 @@ void TestPictureFolder::steadyPlayingUsesItsBuffersAgain()
         m_cLibrary.releasePicture(source.number());
     }
     buffers.remove(nullptr);
-    // Three wait, one is handed out, one is being decoded, two may be spare.
-    QVERIFY2(buffers.size() <= 7, qPrintable(QString::number(buffers.size())));
+    // Three wait, one is handed out, one is being decoded.
+    QVERIFY2(buffers.size() <= 5, qPrintable(QString::number(buffers.size())));
 }
 
 void TestPictureFolder::instancesPlayApart()

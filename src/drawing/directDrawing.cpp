@@ -8,6 +8,7 @@
 
 #include <QImage>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -143,7 +144,7 @@ void overlayRow(const GreyOverlay& overlay, const unsigned char* grey, const uns
                 std::size_t count)
 {
     if (overlay.m_bShowsZero && overlay.m_bShowsOthers)
-        std::memcpy(target, rgb, 3 * count);
+        std::copy_n(rgb, 3 * count, target);
     else
         SamplingKernels::best().m_pfnOverlay(grey, rgb, overlay.m_bShowsZero, target, count);
 }

@@ -208,10 +208,11 @@ FolderPlayer::FramePtr FolderPlayer::takeSpare()
     return frame;
 }
 
-/// Keeps a frame for the next picture while playing; call with the lock held.
+/// Keeps a frame for the next picture while playing; call with the lock held. A new one is made only when all others
+/// are in use, so there are never more than can wait, be handed out and be decoded.
 void FolderPlayer::keepSpare(FramePtr frame)
 {
-    if (frame && m_bRunning && m_vecSpare.size() < 2)
+    if (frame && m_bRunning)
         m_vecSpare.push_back(std::move(frame));
 }
 
