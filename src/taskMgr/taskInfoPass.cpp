@@ -101,7 +101,7 @@ Q_ALWAYS_INLINE const char* TaskInfo::executeStep(const TaskItem& item)
     const QByteArray& option = item.m_cPrepared.m_cUtf8;
     const auto bytes = static_cast<std::size_t>(option.size()) + 1;
     if (m_vecScratch.size() * sizeof(CacheLine) < bytes)
-        m_vecScratch.resize((bytes - 1) / sizeof(CacheLine) + 1);
+        m_vecScratch.resize(bytes / sizeof(CacheLine) + 1);
     char* const scratch = reinterpret_cast<char*>(m_vecScratch.data());
     std::memcpy(scratch, option.constData(), bytes);
     return item.m_cPrepared.m_pcArithm->executeUtf8(scratch, m_pcStore);

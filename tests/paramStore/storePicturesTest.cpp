@@ -167,7 +167,13 @@ void StorePicturesTest::bufferBeginsWithALineOfTheCache()
 {
     QFETCH(QString, kind);
     const StoreGuard store;
-    for (int width = 1; width < 40; ++width) {
+    constexpr int Small = 256 * 1024;  // bytes, at most
+    const int pixelBytes = kind == QLatin1String("ParamDIB") ? 3 : kind == QLatin1String("ParamGray8") ? 1 : 2;
+    const int mostPixels = Small / pixelBytes;
+    QList<int> widths;
+    for (int width = 1; width < 40; ++width)
+        widths << width << mostPixels;
+    for (const int width : widths) {  // each a record of its own
         const Picture picture = pictureOf(store, kind);
         picture.resize(width, 1);
         QCOMPARE(reinterpret_cast<std::uintptr_t>(picture.buffer()) % 64, std::uintptr_t{0});

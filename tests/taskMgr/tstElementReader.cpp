@@ -237,6 +237,7 @@ void tstElementReader::namedIdentifiersAreThoseBehindEachBracket()
 {
     Texts texts({"<PicID>",
                  "</PicID>",
+                 "<//PicID>",
                  "<picid>",
                  "</PICID>",
                  "<ID>",
@@ -269,6 +270,8 @@ void tstElementReader::namedIdentifiersAreThoseBehindEachBracket()
         found += ids.size();
     }
     QVERIFY2(found > 100, qPrintable(QString::number(found)));
+    QCOMPARE(namedIDs("</ID>5<//ID>"), QList<int>());
+    QCOMPARE(namedIDs("<a/ID>5</a/ID>"), QList<int>{5});
 }
 
 QTEST_MAIN(tstElementReader)

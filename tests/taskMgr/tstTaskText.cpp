@@ -117,6 +117,7 @@ private Q_SLOTS:
     void equalTextsOfNeighbouringStepsShareTheirMemory();
     void equalTextsOfStepsInTurnsShareTheirMemory();
     void savedTextIsTheWholeTextWithoutEmptyLines();
+    void countsOfStepsAreSavedAsTheyAre();
     void savedTextCollapsesLineEndsAcrossItsPieces();
     void savedTextOfNothingButLineEndsIsOne();
     void savingEndsWhereItsBytesAreNotTaken();
@@ -270,6 +271,27 @@ void tstTaskText::savedTextIsTheWholeTextWithoutEmptyLines()
     QVERIFY(saved == ProjectText::collapseEmptyLines(tasks->toString()).toUtf8());
     tasks->clear();
     QCOMPARE(savedText(), QByteArray());
+}
+
+void tstTaskText::countsOfStepsAreSavedAsTheyAre()
+{
+    QString project = QLatin1String("<=TaskInfo=>\n") + QLatin1String(Head);
+    for (const char* count : {"-1", "0", "3", "999999999", "-7"})
+        project += QString::fromLatin1(Step).replace(QLatin1String(">3<"), QStringLiteral(">%1<").arg(count));
+    TaskMgr* const tasks = TaskMgr::getInstance();
+    tasks->fromString(project + QLatin1String("</=TaskInfo=>\n"));
+
+    const QString saved = QString::fromUtf8(savedText());
+    tasks->clear();
+
+    QStringList counts;
+    for (const QString& line : saved.split('\n')) {
+        if (line.startsWith("<-MaxExeTimes->"))
+            counts += line;
+    }
+    QCOMPARE(counts, QStringList({"<-MaxExeTimes->-1</-MaxExeTimes->", "<-MaxExeTimes->0</-MaxExeTimes->",
+                                  "<-MaxExeTimes->3</-MaxExeTimes->", "<-MaxExeTimes->999999999</-MaxExeTimes->",
+                                  "<-MaxExeTimes->-7</-MaxExeTimes->"}));
 }
 
 void tstTaskText::savedTextCollapsesLineEndsAcrossItsPieces()
