@@ -3,6 +3,7 @@
 #include "pixels/samplingKernels.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <numeric>
 
@@ -198,16 +199,28 @@ void checkSamplingBetweenPages(const SamplingKernels& form, const ColumnMap& map
                       [&](const unsigned char* from, unsigned char* to) { form.m_pfnGrey(from, map, to); });
 }
 
+/// The colours at either end of a page, too.
+void checkLookUpBetweenPages(const SamplingKernels& form, const Bytes& values)
+{
+    static const GuardedPage page;
+    const std::vector<std::uint32_t> colours = colourTable();
+    const std::size_t bytes = colours.size() * sizeof(std::uint32_t);
+    for (unsigned char* place : {page.first(), page.last(bytes)}) {
+        std::memcpy(place, colours.data(), bytes);
+        const auto* const table = reinterpret_cast<const std::uint32_t*>(place);
+        checkBetweenPages(values, lookedUp(values, colours), [&](const unsigned char* from, unsigned char* to) {
+            form.m_pfnLookUp(from, table, to, values.size());
+        });
+    }
+}
+
 void checkValuesBetweenPages(const SamplingKernels& form, std::size_t count)
 {
     const Bytes values = mixedBytes(count, static_cast<unsigned>(count));
     const Bytes rgb = mixedBytes(3 * count, static_cast<unsigned>(count + 1));
-    const std::vector<std::uint32_t> colours = colourTable();
     Bytes overlaid(3 * count, Before);
     SamplingKernels::plain().m_pfnOverlay(values.data(), rgb.data(), true, overlaid.data(), count);
-    checkBetweenPages(values, lookedUp(values, colours), [&](const unsigned char* from, unsigned char* to) {
-        form.m_pfnLookUp(from, colours.data(), to, count);
-    });
+    checkLookUpBetweenPages(form, values);
     checkBetweenPages(values, overlaid, [&](const unsigned char* from, unsigned char* to) {
         form.m_pfnOverlay(from, rgb.data(), true, to, count);
     });
