@@ -145,8 +145,8 @@ void bareHandOff(benchmark::State& state)
 }
 
 // So many that waiting for the first one to be written and for the last one to be read is a small part of a turn.
-BENCHMARK(handOff)->Args({1920, 1080, 96})->Iterations(5);
-BENCHMARK(handOff)->Args({4096, 3000, 24})->Iterations(2);
+BENCHMARK(handOff)->Args({1920, 1080, 96})->Iterations(9);
+BENCHMARK(handOff)->Args({4096, 3000, 24})->Iterations(3);
 BENCHMARK(bareHandOff);
 
 }  // namespace
