@@ -34,8 +34,8 @@ Drawing::ImageDrawingOpt::ImageDrawingOpt(int dataType, int dataId, const void* 
     : DrawingOpt(dataType, dataId), m_cPixels(pixels ? byteNum : 0), m_nWidth(width), m_nHeight(height)
 {
     if (hasPixels())
-        Pixels::copyPicture(static_cast<const unsigned char*>(pixels), m_cPixels.data(),
-                            static_cast<std::size_t>(byteNum));
+        Pixels::copyPictureAside(static_cast<const unsigned char*>(pixels), m_cPixels.data(),
+                                 static_cast<std::size_t>(byteNum));
 }
 
 QRectF Drawing::ImageDrawingOpt::place(const QImage& canvas, WindowQuotients quotients) const

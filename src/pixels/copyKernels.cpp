@@ -111,19 +111,26 @@ std::vector<const CopyKernels*> CopyKernels::available()
     return all;
 }
 
+namespace {
+
+constexpr std::size_t OwnCache = 1 << 20;  ///< Bytes that one processor's own cache holds; for those memcpy is as good.
+constexpr std::size_t SharedCache = 16 << 20;  ///< Bytes of which the cache that all share holds too little.
+
+void copyLarge(const CopyKernels& below, const unsigned char* source, unsigned char* target, std::size_t bytes)
+{
+    static const CopyKernels& pastCache = orPlain(CopyKernels::pastCache());
+    (bytes < SharedCache ? below : pastCache).m_pfnCopy(source, target, bytes);
+}
+
+}  // namespace
+
 void Pixels::copyPicture(const unsigned char* source, unsigned char* target, std::size_t bytes)
 {
-    constexpr std::size_t OwnCache = 1 << 20;  // of one processor; for what it holds memcpy is as good
-    static const CopyKernels& large = orPlain(CopyKernels::strings());
-    (bytes < OwnCache ? CopyKernels::plain() : large).m_pfnCopy(source, target, bytes);
+    copyLarge(CopyKernels::plain(), source, target, bytes);
 }
 
 void Pixels::copyPictureAside(const unsigned char* source, unsigned char* target, std::size_t bytes)
 {
-    constexpr std::size_t LeastAside = 5 << 20;  // six such pictures are more than what the caches of a PC hold
-    static const CopyKernels& large = orPlain(CopyKernels::pastCache());
-    if (bytes < LeastAside)
-        copyPicture(source, target, bytes);
-    else
-        large.m_pfnCopy(source, target, bytes);
+    static const CopyKernels& strings = orPlain(CopyKernels::strings());
+    copyLarge(bytes < OwnCache ? CopyKernels::plain() : strings, source, target, bytes);
 }

@@ -31,12 +31,11 @@ void rgbOfBgrx(const unsigned char* bgrx, unsigned char* rgb, std::size_t count)
 /// Each grey value three times.
 void rgbOfGrey(const unsigned char* grey, unsigned char* rgb, std::size_t count);
 
-/// Copies all bytes of a picture, which is often larger than what a processor's own cache holds: what memcpy does,
-/// without reading what is overwritten.
+/// Copies all bytes of a picture that is worked on next: what memcpy does; a very large one does not go through the
+/// cache, which does not hold it anyway.
 void copyPicture(const unsigned char* source, unsigned char* target, std::size_t bytes);
 
-/// copyPicture for one of several buffers in turn, which another thread reads later: large pictures do not go through
-/// the cache, where the next ones would push them out anyway.
+/// copyPicture for one of several buffers in turn, which another thread reads later: what is overwritten is not read.
 void copyPictureAside(const unsigned char* source, unsigned char* target, std::size_t bytes);
 
 }  // namespace Pixels
