@@ -58,6 +58,7 @@ void MainWindow::HavePrintMessage(QString message)
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_pcUi(std::make_unique<Ui::MainWindow>())
 {
     m_pcUi->setupUi(this);
+    delete m_pcUi->tab;  // The sample of a task's page goes before anything measures it.
     setIcons();
     // The tabs take what four short names need, the views all the rest.
     constexpr int TabWidth = 316;
@@ -67,7 +68,6 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_pcUi(std::make_
     m_pcOutputLine = std::make_unique<OutputLine>(m_pcUi->lblOutputMsg);
     addViews();
 
-    clearTabs();
     s_nProcessorNum = static_cast<int>(sysconf(_SC_NPROCESSORS_CONF));
     setProjectPath(QString());
     TaskMgr::getInstance()->setMssageCallBack(HaveErrorMessage);

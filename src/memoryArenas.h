@@ -1,8 +1,45 @@
 #pragma once
 
 #include <malloc.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
 
 namespace MemoryArenas {
+
+/**
+ * Has the heap continue at the start of a large page, with its next 6 MiB or more in such pages where the system gives
+ * them to who asks.
+ *
+ * The start of a program touches more than half of that, and the system clears a large page in much less time than five
+ * hundred small ones, one fault each. What lies in front of the first large page, less than 2 MiB of addresses, is
+ * never touched. Nothing happens where the heap is not the C library's, as under a sanitizer.
+ */
+inline void useLargePages()
+{
+#if defined(M_TOP_PAD) && defined(MADV_HUGEPAGE) && UINTPTR_MAX > UINT32_MAX
+    constexpr std::uintptr_t LargePage = 2 << 20;
+    constexpr int Growth = 8 << 20;
+    constexpr int UsualGrowth = 128 << 10;
+    constexpr std::size_t Begin = 160 << 10;  // More than the heap has left when a program begins: it has to grow.
+    constexpr std::uintptr_t Margin = 4096;   // What malloc writes behind a block does not get into the large page.
+    [[maybe_unused]] static void* volatile s_pNeverUsed;
+    mallopt(M_TOP_PAD, Growth);
+    void* const begin = std::malloc(Begin);
+    mallopt(M_TOP_PAD, UsualGrowth);
+
+    const std::uintptr_t place = reinterpret_cast<std::uintptr_t>(begin) + Begin + Margin;
+    const std::uintptr_t first = (place + LargePage - 1) / LargePage * LargePage;
+    const auto end = reinterpret_cast<std::uintptr_t>(sbrk(0));
+    if (begin != nullptr && first < end && end - first <= Growth) {
+        s_pNeverUsed = std::malloc(first - place);
+        madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+    }
+    std::free(begin);
+#endif
+}
 
 /**
  * Says how malloc keeps memory, where the C library has such settings. For the start of a program.
@@ -23,6 +60,7 @@ inline void setUp()
     if (mallopt(M_MMAP_THRESHOLD, 32 << 20))
         mallopt(M_TRIM_THRESHOLD, 64 << 20);
 #endif
+    useLargePages();
 }
 
 }  // namespace MemoryArenas

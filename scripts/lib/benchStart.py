@@ -18,6 +18,7 @@ from pathlib import Path
 
 ROUNDS = 15
 PAIRS = 31
+WINDOW_PAIRS = 101  # the ratio of two whole starts has a goal close by
 PLUGIN_FOLDERS = ("baseArithm", "extArithm", "DataSource")
 
 
@@ -42,12 +43,12 @@ def placed(program, folder, plugins=()):
     return str(folder / program.name)
 
 
-def pairs(one, other):
+def pairs(one, other, number):
     """[(milliseconds of one, of the other)], each pair in the other order than the one before"""
     start(one)
     start(other)
     found = []
-    for i in range(PAIRS):
+    for i in range(number):
         times = {command: start(command)[0] for command in ((one, other) if i % 2 else (other, one))}
         found.append((times[one], times[other]))
     return found
@@ -71,9 +72,10 @@ def main():
     for plugin in plugins:
         others = [other for other in plugins if other != plugin]
         without = (placed(program, scratch / f"without_{plugin.stem}", others), "workbench")
-        added = statistics.median(whole - part for whole, part in pairs(commands["pack"], without))
+        added = statistics.median(whole - part for whole, part in pairs(commands["pack"], without, PAIRS))
         print(f"added_{plugin.stem}_ms {added:.2f}")
-    ratio = statistics.median(whole / bare for whole, bare in pairs(commands["workbench"], commands["bare"]))
+    starts = pairs(commands["workbench"], commands["bare"], WINDOW_PAIRS)
+    ratio = statistics.median(whole / bare for whole, bare in starts)
     print(f"workbench_by_bare {ratio:.3f}")
     for name, values in results.items():
         times = [value[0] for value in values]
