@@ -56,6 +56,7 @@ ViewForm::ViewForm(int index, QWidget* parent)
       m_pcTimer(std::make_unique<QTimer>())
 {
     m_pcUi->setupUi(this);
+    setAttribute(Qt::WA_OpaquePaintEvent);  // The canvas hides the background: Qt need not fill it before each paint.
     m_pcUi->lblName->setText(QStringLiteral("视窗") + QString::number(index + 1));
     m_pcUi->lblName->adjustSize();  // The same text is taller in some fonts.
     connect(m_pcTimer.get(), &QTimer::timeout, this, &ViewForm::timeout);
@@ -125,6 +126,8 @@ QSize ViewForm::canvasSize()
 void ViewForm::paintCanvas(QPainter& painter)
 {
     const MutexGuard guard(m_cMtxCanvas);
+    if (m_pcCanvas->size() != size())
+        painter.fillRect(rect(), palette().window());
     painter.drawImage(0, 0, *m_pcCanvas);
 }
 
