@@ -61,6 +61,12 @@ AVX512_INLINE void exchangeStep(const unsigned char* source, unsigned char* targ
 AVX512_INLINE void exchangePart(const unsigned char* source, unsigned char* target, std::size_t count)
 {
     const __mmask64 first = firstBytes(3 * count, 0);
+    if (3 * count <= RegisterBytes) {  // So little, mostly, is in front of a row's first line of the cache.
+        const __m512i none = _mm512_setzero_si512();
+        const Pixels64 result = exchanged({_mm512_maskz_loadu_epi8(first, source), none, none});
+        _mm512_mask_storeu_epi8(target, first, result.m_cFirst);
+        return;
+    }
     const __mmask64 second = firstBytes(3 * count, 1);
     const __mmask64 third = firstBytes(3 * count, 2);
     const Pixels64 result =
