@@ -31,9 +31,9 @@ inline void useLargePages()
     mallopt(M_TOP_PAD, UsualGrowth);
 
     const std::uintptr_t place = reinterpret_cast<std::uintptr_t>(begin) + Begin + Margin;
-    const std::uintptr_t first = (place + LargePage - 1) / LargePage * LargePage;
+    const std::uintptr_t first = (place / LargePage + 1) * LargePage;
     const auto end = reinterpret_cast<std::uintptr_t>(sbrk(0));
-    if (begin != nullptr && first < end && end - first <= Growth) {
+    if (end - first <= Growth) {  // Not so where the block is not of the heap, nor where there is none.
         s_pNeverUsed = std::malloc(first - place);
         madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
     }
