@@ -57,6 +57,9 @@ const char* const Kinds[] = {
     "<DataType>1</DataType><Config><Scale>3</Scale><DrawMode><Mask>1,2</Mask><Val>2</Val></DrawMode></Config>",
     "<DataType>0</DataType><Config><Scale>0</Scale></Config>",
     "<DataType>1</DataType><Config><Scale>0</Scale></Config>",
+    "<DataType>1</DataType><Config><Scale>0</Scale><DrawMode><Val>1</Val></DrawMode></Config>",
+    "<DataType>1</DataType><Config><Scale>0</Scale><DrawMode><Lapped>1</Lapped><Val>1</Val></DrawMode></Config>",
+    "<DataType>1</DataType><Config><Scale>0</Scale><DrawMode><Mask>1,2</Mask><Val>2</Val></DrawMode></Config>",
 };
 constexpr int KindNum = static_cast<int>(std::size(Kinds));
 

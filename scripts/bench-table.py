@@ -34,10 +34,8 @@ class Row:
     def met(self):
         checks = [(self.most, self.ours), (self.limit_goal, ratio(self.ours, self.limit)),
                   (self.peer_goal, ratio(self.ours, self.peer))]
-        asked = [(goal, value) for goal, value in checks if goal is not None]
-        if not asked or any(value is None for _, value in asked):
-            return None  # nothing to reach, or a peer is not installed
-        return all(value <= goal for goal, value in asked)
+        judged = [value <= goal for goal, value in checks if goal is not None and value is not None]
+        return all(judged) if judged else None  # nothing to reach, or a peer is not installed
 
     def goal(self):
         parts = [f"at most {shown(self.most, self.unit)}"] if self.most is not None else []
@@ -150,7 +148,8 @@ def drawing_rows(time):
     for kind, name in ((1, "grey"), (2, "overlay in grey"), (3, "overlay in blocks"), (4, "mask")):
         yield row(f"full HD {name} / colour", f"option{kind}", "option0", 1)
         yield row(copied, f"picture{kind}", "picture0", 1)
-    yield row("full HD grey without scaling / colour", "option6", "option5", 1)
+    for kind, name in ((6, "grey"), (7, "overlay in grey"), (8, "overlay in blocks"), (9, "mask")):
+        yield row(f"full HD {name} without scaling / colour", f"option{kind}", "option5", 1)
 
 
 def pixel_rows(time):
@@ -210,23 +209,25 @@ def window_rows(time):
                   spread=time.spread.get(f"openConfig/{number}"))
 
 
+def of_each_plugin(lines, what):
+    return {name.split("_")[1]: value for name, value in lines.items()
+            if name.startswith(f"{what}_") and name.endswith("_ms")}
+
+
 def start_rows(lines):
     # Of pairs of starts, so that the bare window is the one in whose neighbourhood ours was shown.
     yield Row("start to shown window, no plug-ins / bare window", lines["workbench_ms"] * 1e6,
               lines["workbench_ms"] / lines["workbench_by_bare"] * 1e6, limit_goal=2, spread=lines["workbench_cv"])
     yield Row("most memory until then / bare window", lines["workbench_bytes"] / 2**20, lines["bare_bytes"] / 2**20,
               limit_goal=2, unit="MiB")
-    alone = {name.split("_")[1]: value - lines["workbench_ms"] for name, value in lines.items()
-             if name.startswith("plugin_") and name.endswith("_ms")}
-    yield Row("the whole pack adds, for each plug-in", (lines["pack_ms"] - lines["workbench_ms"]) / len(alone) * 1e6,
+    added = of_each_plugin(lines, "added")
+    yield Row("the whole pack adds, for each plug-in", (lines["pack_ms"] - lines["workbench_ms"]) / len(added) * 1e6,
               most=5e6, spread=lines["pack_cv"])
-    added = {name.split("_")[1]: value for name, value in lines.items()
-             if name.startswith("added_") and name.endswith("_ms")}
     most = max(added, key=added.get)
     yield Row(f"what the slowest of them ({most}) adds to the others", added[most] * 1e6, most=5e6)
+    alone = of_each_plugin(lines, "alone")
     most = max(alone, key=alone.get)
-    yield Row(f"the slowest plug-in alone ({most}), its libraries included", alone[most] * 1e6,
-              spread=lines[f"plugin_{most}_cv"])
+    yield Row(f"the slowest plug-in alone ({most}), its libraries included", alone[most] * 1e6, most=5e6)
 
 
 def task_rows(lines):

@@ -58,7 +58,8 @@ void MainWindow::HavePrintMessage(QString message)
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_pcUi(std::make_unique<Ui::MainWindow>())
 {
     m_pcUi->setupUi(this);
-    delete m_pcUi->tab;  // The sample of a task's page goes before anything measures it.
+    // The sample of a task's page goes before anything measures it; what the form knows of it is gone from here on.
+    delete m_pcUi->tab;
     setIcons();
     // The tabs take what four short names need, the views all the rest.
     constexpr int TabWidth = 316;

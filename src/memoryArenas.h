@@ -14,15 +14,15 @@ namespace MemoryArenas {
  * them to who asks.
  *
  * The start of a program touches more than half of that, and the system clears a large page in much less time than five
- * hundred small ones, one fault each. What lies in front of the first large page, less than 2 MiB of addresses, is
- * never touched. Nothing happens where the heap is not the C library's, as under a sanitizer.
+ * hundred small ones, one fault each. What lies in front of the first large page, at most 2 MiB of addresses, is not
+ * used any more. Nothing happens where the heap is not the C library's, as under a sanitizer.
  */
 inline void useLargePages()
 {
 #if defined(M_TOP_PAD) && defined(MADV_HUGEPAGE) && UINTPTR_MAX > UINT32_MAX
     constexpr std::uintptr_t LargePage = 2 << 20;
     constexpr int Growth = 8 << 20;
-    constexpr int UsualGrowth = 128 << 10;
+    constexpr int UsualGrowth = 128 << 10;    // The C library's own.
     constexpr std::size_t Begin = 160 << 10;  // More than the heap has left when a program begins: it has to grow.
     constexpr std::uintptr_t Margin = 4096;   // What malloc writes behind a block does not get into the large page.
     [[maybe_unused]] static void* volatile s_pNeverUsed;
@@ -33,7 +33,8 @@ inline void useLargePages()
     const std::uintptr_t place = reinterpret_cast<std::uintptr_t>(begin) + Begin + Margin;
     const std::uintptr_t first = (place / LargePage + 1) * LargePage;
     const auto end = reinterpret_cast<std::uintptr_t>(sbrk(0));
-    if (end - first <= Growth) {  // Not so where the block is not of the heap, nor where there is none.
+    // It is far more where the block is not of the heap or lies behind its end, or where there is none.
+    if (end - first <= Growth) {
         s_pNeverUsed = std::malloc(first - place);
         madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
     }

@@ -54,14 +54,17 @@ def pairs(one, other, number):
     return found
 
 
+def difference(one, other):
+    """milliseconds that one takes more, the median of pairs"""
+    return statistics.median(whole - part for whole, part in pairs(one, other, PAIRS))
+
+
 def main():
     program, folder, scratch = (Path(argument).resolve() for argument in sys.argv[1:4])
     plugins = [plugin for name in PLUGIN_FOLDERS for plugin in sorted((folder / name).glob("*.so"))]
     alone = placed(program, scratch / "alone")
     commands = {"bare": (alone, "bare"), "workbench": (alone, "workbench"),
                 "pack": (placed(program, scratch / "pack", plugins), "workbench")}
-    for plugin in plugins:
-        commands[f"plugin_{plugin.stem}"] = (placed(program, scratch / plugin.stem, [plugin]), "workbench")
     for command in commands.values():
         start(command)  # files come from the cache from now on
     order = [name for name in commands for _ in range(ROUNDS)]
@@ -72,8 +75,9 @@ def main():
     for plugin in plugins:
         others = [other for other in plugins if other != plugin]
         without = (placed(program, scratch / f"without_{plugin.stem}", others), "workbench")
-        added = statistics.median(whole - part for whole, part in pairs(commands["pack"], without, PAIRS))
-        print(f"added_{plugin.stem}_ms {added:.2f}")
+        print(f"added_{plugin.stem}_ms {difference(commands['pack'], without):.2f}")
+        only = (placed(program, scratch / plugin.stem, [plugin]), "workbench")
+        print(f"alone_{plugin.stem}_ms {difference(only, commands['workbench']):.2f}")
     starts = pairs(commands["workbench"], commands["bare"], WINDOW_PAIRS)
     ratio = statistics.median(whole / bare for whole, bare in starts)
     print(f"workbench_by_bare {ratio:.3f}")

@@ -53,7 +53,7 @@ QImage paintedOver(QWidget& widget, qreal density, QPoint place = {})
     picture.setDevicePixelRatio(density);
     widget.render(&picture, place);
     picture.setDevicePixelRatio(1);
-    return picture.convertToFormat(QImage::Format_RGB888);
+    return picture.convertToFormat(QImage::Format_RGB888);  // small enough for Qt to do so without threads of its own
 }
 
 }  // namespace
@@ -72,20 +72,20 @@ private Q_SLOTS:
 
 void TestViewBackground::canvasAloneIsPaintedWhereItCoversTheView()
 {
-    const auto view = makeView({201, 151});
+    const auto view = makeView({101, 71});
 
     QVERIFY(view->testAttribute(Qt::WA_OpaquePaintEvent));  // Qt does not fill what is covered anyway
-    QCOMPARE(difference(paintedOver(*view, 1), filledCanvas(201, 151, CanvasColour)), QString());
+    QCOMPARE(difference(paintedOver(*view, 1), filledCanvas(101, 71, CanvasColour)), QString());
 }
 
 void TestViewBackground::backgroundIsBlackWhereTheCanvasDoesNotReach()
 {
-    const auto view = makeView({201, 151});
-    *view->requestCanvas() = filledCanvas(100, 151, CanvasColour);
+    const auto view = makeView({101, 71});
+    *view->requestCanvas() = filledCanvas(60, 71, CanvasColour);
     view->releaseCanvas();
 
-    QImage expected = filledCanvas(201, 151, BackgroundColour);
-    QPainter(&expected).fillRect(0, 0, 100, 151, QColor(CanvasColour));
+    QImage expected = filledCanvas(101, 71, BackgroundColour);
+    QPainter(&expected).fillRect(0, 0, 60, 71, QColor(CanvasColour));
     QCOMPARE(difference(paintedOver(*view, 1), expected), QString());
 }
 
@@ -99,7 +99,7 @@ void TestViewBackground::edgesAtAnyDensityAreAsIfQtHadFilledThem_data()
 void TestViewBackground::edgesAtAnyDensityAreAsIfQtHadFilledThem()
 {
     QFETCH(qreal, density);
-    for (const QSize size : {QSize(200, 150), QSize(201, 151), QSize(202, 153), QSize(203, 157)}) {
+    for (const QSize size : {QSize(40, 30), QSize(41, 31), QSize(42, 33), QSize(43, 37)}) {
         const auto view = makeView(size);
         FilledView filled(*view);
         const QPoint place(size.width() % 7, size.height() % 5);
