@@ -94,60 +94,74 @@ private:
     std::vector<unsigned char> m_vecGrey;
 };
 
-/// Makes colours of a row's grey values.
-class OverlayColours
+/// Lays the rows of a grey picture over a canvas.
+class RowOverlay
 {
 public:
-    OverlayColours(const GreyOverlay& overlay, std::size_t count)
+    RowOverlay(const GreyOverlay& overlay, std::size_t count)
         : m_cOverlay(overlay), m_nCount(count), m_vecRgb(3 * count)
     {
         const bool isOne = overlay.m_eColours == GreyOverlay::Colours::OneColour;
-        for (std::size_t value = 0; value < Values; ++value)
-            m_aColours[value] = pixelOf(isOne ? overlay.m_nColour : overlay.colourOf(static_cast<int>(value)));
+        for (std::size_t value = 0; value < ColourTable::Values; ++value)
+            m_cTable.set(value, bytesOf(isOne ? overlay.m_nColour : overlay.colourOf(static_cast<int>(value))));
         if (isOne)
             fill(std::vector<unsigned char>(count).data());
     }
 
-    /// Valid until the next call; colours of values that are not shown are of no account.
-    const unsigned char* coloursOf(const unsigned char* grey)
+    /// Over the first pixel of the canvas that shows the row, and those behind; whether the row is that of the last
+    /// call.
+    void lay(const unsigned char* grey, bool isRepeated, unsigned char* target)
+    {
+        if (layAtOnce(grey, target))
+            return;
+        if (!isRepeated)
+            makeColours(grey);
+        if (m_cOverlay.m_bShowsZero && m_cOverlay.m_bShowsOthers)
+            std::copy_n(m_vecRgb.data(), m_vecRgb.size(), target);
+        else
+            m_cKernels.m_pfnOverlay(grey, m_vecRgb.data(), m_cOverlay.m_bShowsZero, target, m_nCount);
+    }
+
+private:
+    /// Without colours of the whole row in between; false where this is not to be had.
+    bool layAtOnce(const unsigned char* grey, unsigned char* target) const
+    {
+        const bool isGreys = m_cOverlay.m_eColours == GreyOverlay::Colours::Greys;
+        const bool isBlocks = m_cOverlay.m_eColours == GreyOverlay::Colours::Blocks;
+        if (m_cOverlay.m_bShowsZero && m_cOverlay.m_bShowsOthers)
+            return false;
+        if (isGreys && m_cKernels.m_pfnOverlayGreys != nullptr)
+            m_cKernels.m_pfnOverlayGreys(grey, m_cOverlay.m_bShowsZero, target, m_nCount);
+        else if (isBlocks && m_cKernels.m_pfnOverlayColours != nullptr)
+            m_cKernels.m_pfnOverlayColours(grey, m_cTable, m_cOverlay.m_bShowsZero, target, m_nCount);
+        else
+            return false;
+        return true;
+    }
+
+    /// Those of values that are not shown are of no account.
+    void makeColours(const unsigned char* grey)
     {
         if (m_cOverlay.m_eColours == GreyOverlay::Colours::Greys)
             Pixels::rgbOfGrey(grey, m_vecRgb.data(), m_nCount);
         else if (m_cOverlay.m_eColours == GreyOverlay::Colours::Blocks)
             fill(grey);
-        return m_vecRgb.data();
     }
 
-private:
-    /// Red, green and blue from the lowest byte on, as they stand in memory.
-    using Pixel = std::uint32_t;
-
-    static constexpr std::size_t Values = 256;  ///< Of a grey pixel.
-
-    static Pixel pixelOf(QRgb colour)
+    static std::array<unsigned char, 3> bytesOf(QRgb colour)
     {
-        return static_cast<Pixel>(qRed(colour) | qGreen(colour) << 8 | qBlue(colour) << 16);
+        return {static_cast<unsigned char>(qRed(colour)), static_cast<unsigned char>(qGreen(colour)),
+                static_cast<unsigned char>(qBlue(colour))};
     }
 
-    void fill(const unsigned char* grey)
-    {
-        SamplingKernels::best().m_pfnLookUp(grey, m_aColours.data(), m_vecRgb.data(), m_nCount);
-    }
+    void fill(const unsigned char* grey) { m_cKernels.m_pfnLookUp(grey, m_cTable, m_vecRgb.data(), m_nCount); }
 
+    const SamplingKernels& m_cKernels = SamplingKernels::best();
     const GreyOverlay& m_cOverlay;
     std::size_t m_nCount;
-    std::array<Pixel, Values> m_aColours;  ///< By grey value.
+    ColourTable m_cTable;
     std::vector<unsigned char> m_vecRgb;
 };
-
-void overlayRow(const GreyOverlay& overlay, const unsigned char* grey, const unsigned char* rgb, unsigned char* target,
-                std::size_t count)
-{
-    if (overlay.m_bShowsZero && overlay.m_bShowsOthers)
-        std::copy_n(rgb, 3 * count, target);
-    else
-        SamplingKernels::best().m_pfnOverlay(grey, rgb, overlay.m_bShowsZero, target, count);
-}
 
 }  // namespace
 
@@ -176,19 +190,16 @@ bool DirectDrawing::overlay(QImage& canvas, const QImage& picture, const QRectF&
         return false;
     if (!colours.m_bShowsZero && !colours.m_bShowsOthers)
         return true;
-    const std::size_t count = sampling->m_cColumns.count();
     const ShownRows shown(canvas, *sampling);
     RowSampler sampler(picture, sampling->m_cColumns);
-    OverlayColours rowColours(colours, count);
+    RowOverlay overlay(colours, sampling->m_cColumns.count());
     const unsigned char* grey = nullptr;
-    const unsigned char* rgb = nullptr;
     const std::vector<std::int32_t>& rows = sampling->m_vecRows;
     for (std::size_t y = 0; y < rows.size(); ++y) {
-        if (y == 0 || rows[y] != rows[y - 1]) {
+        const bool isRepeated = y > 0 && rows[y] == rows[y - 1];
+        if (!isRepeated)
             grey = sampler.sampleGrey(picture.constScanLine(rows[y]));
-            rgb = rowColours.coloursOf(grey);
-        }
-        overlayRow(colours, grey, rgb, shown.row(y), count);
+        overlay.lay(grey, isRepeated, shown.row(y));
     }
     return true;
 }

@@ -1,5 +1,5 @@
-// Sixty-four pixels at a time where AVX-512 has something that AVX2 has not: a byte of the target from any byte of two
-// registers. The other operations are those of AVX2.
+// Sixty-four pixels at a time where AVX-512 has something that AVX2 has not: a byte of the target from any byte of one
+// or two registers. The other operations are those of AVX2.
 #include "pixels/bytesAvx512.h"
 #include "pixels/kernels.h"
 
@@ -100,18 +100,28 @@ AVX512 void exchange(const unsigned char* source, unsigned char* target, std::si
         exchangePart(source, target, count);
 }
 
+AVX512 void rgbOfGrey(const unsigned char* grey, unsigned char* rgb, std::size_t count)
+{
+    for (; count >= Step; count -= Step, grey += Step, rgb += 3 * Step) {
+        const __m512i values = _mm512_loadu_si512(grey);
+        for (std::size_t part = 0; part < 3; ++part)
+            _mm512_storeu_si512(rgb + part * RegisterBytes, thrice(values, part));
+    }
+    if (count == 0)
+        return;
+    const __m512i values = _mm512_maskz_loadu_epi8(firstBytes(count, 0), grey);
+    for (std::size_t part = 0; part < 3; ++part)
+        _mm512_mask_storeu_epi8(rgb + part * RegisterBytes, firstBytes(3 * count, part), thrice(values, part));
+}
+
 }  // namespace
 
 const PixelKernels* PixelKernels::avx512()
 {
     if (!processorHasAvx512() || !avx2())
         return nullptr;
-    static const PixelKernels kernels{"avx512",
-                                      exchange,
-                                      avx2()->m_pfnGreyOfRgb,
-                                      avx2()->m_pfnGreyOfBgrx,
-                                      avx2()->m_pfnRgbOfBgrx,
-                                      avx2()->m_pfnRgbOfGrey};
+    static const PixelKernels kernels{
+        "avx512", exchange, avx2()->m_pfnGreyOfRgb, avx2()->m_pfnGreyOfBgrx, avx2()->m_pfnRgbOfBgrx, rgbOfGrey};
     return &kernels;
 }
 

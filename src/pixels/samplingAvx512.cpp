@@ -1,5 +1,5 @@
-// What one permutation gives that takes bytes from anywhere in two registers: sixteen pixels of a row, or the colours
-// of sixty-four grey values. The other operations are those of AVX2.
+// What permutations give that take bytes from anywhere in one or two registers: sixteen pixels of a row, the colours of
+// sixty-four grey values, and sixty-four pixels that lie over others. Taking grey values is that of AVX2.
 #include "pixels/bytesAvx512.h"
 #include "pixels/samplingKernels.h"
 
@@ -70,41 +70,7 @@ AVX512 void colour(const unsigned char* row, const ColumnMap& map, bool exchange
 
 // ---- Colours of grey values -----------------------------------------------------------------------------------------
 
-constexpr int Quarters = 4;  ///< Registers that hold a byte of each of the 256 colours.
 constexpr int Channels = 3;
-
-/// A byte of each colour, so that a permutation by grey values looks them up.
-struct Channel
-{
-    __m512i m_acQuarters[Quarters];
-};
-
-/// Where in two registers of colours a channel's bytes are.
-constexpr Bytes64 bytesOfChannel(int channel)
-{
-    Bytes64 bytes{};
-    for (std::size_t i = 0; i < bytes.size(); ++i)
-        bytes[i] = static_cast<unsigned char>((4 * i + static_cast<std::size_t>(channel)) % 128);
-    return bytes;
-}
-
-AVX512_INLINE void loadChannels(const std::uint32_t* colours, Channel (&channels)[Channels])
-{
-    static constexpr std::array<Bytes64, Channels> Places{bytesOfChannel(0), bytesOfChannel(1), bytesOfChannel(2)};
-    constexpr __mmask64 Upper = ~__mmask64{0} << 32;
-    constexpr int Colours = 16;  // in a register
-    for (int quarter = 0; quarter < Quarters; ++quarter) {
-        __m512i four[4];
-        for (int i = 0; i < 4; ++i)
-            four[i] = _mm512_loadu_si512(colours + (4 * quarter + i) * Colours);
-        for (int channel = 0; channel < Channels; ++channel) {
-            const __m512i from = loadBytes(Places[channel]);
-            channels[channel].m_acQuarters[quarter] =
-                _mm512_mask_blend_epi8(Upper, _mm512_permutex2var_epi8(four[0], from, four[1]),
-                                       _mm512_permutex2var_epi8(four[2], from, four[3]));
-        }
-    }
-}
 
 /// Where the bytes of a register of the target come from in those of red and green, and which of them are blue.
 struct Interleaving
@@ -128,29 +94,149 @@ constexpr Interleaving interleaving(int part)
     return result;
 }
 
-AVX512 void lookUp(const unsigned char* grey, const std::uint32_t* colours, unsigned char* target, std::size_t count)
+/// A byte of each colour, so that a permutation by grey values looks them up.
+struct Channel
+{
+    __m512i m_acQuarters[4];
+};
+
+AVX512_INLINE Channel loadChannel(const unsigned char* bytes)
+{
+    return {{_mm512_loadu_si512(bytes), _mm512_loadu_si512(bytes + RegisterBytes),
+             _mm512_loadu_si512(bytes + 2 * RegisterBytes), _mm512_loadu_si512(bytes + 3 * RegisterBytes)}};
+}
+
+/// The colours of sixty-four grey values.
+struct Colours64
+{
+    __m512i m_acBytes[Channels];  ///< As they stand in the target.
+};
+
+AVX512_INLINE Colours64 coloursOf(__m512i values, const Channel (&channels)[Channels])
 {
     static constexpr std::array<Interleaving, Channels> Parts{interleaving(0), interleaving(1), interleaving(2)};
-    Channel channels[Channels];
-    loadChannels(colours, channels);
-    for (std::size_t i = 0; i < count; i += RegisterBytes) {
-        const std::size_t pixels = std::min<std::size_t>(count - i, RegisterBytes);
-        const __m512i values = _mm512_maskz_loadu_epi8(firstBytes(pixels, 0), grey + i);
-        const __mmask64 isUpper = _mm512_movepi8_mask(values);
-        __m512i bytes[Channels];
-        for (int channel = 0; channel < Channels; ++channel) {
-            const __m512i(&of)[Quarters] = channels[channel].m_acQuarters;
-            bytes[channel] = _mm512_mask_blend_epi8(isUpper, _mm512_permutex2var_epi8(of[0], values, of[1]),
-                                                    _mm512_permutex2var_epi8(of[2], values, of[3]));
-        }
-        for (std::size_t part = 0; part < Parts.size(); ++part) {
-            const Interleaving& places = Parts[part];
-            const __m512i redGreen = _mm512_permutex2var_epi8(bytes[0], loadBytes(places.m_anFrom), bytes[1]);
-            const __m512i all =
-                _mm512_mask_permutexvar_epi8(redGreen, places.m_nBlue, loadBytes(places.m_anBlue), bytes[2]);
-            _mm512_mask_storeu_epi8(target + 3 * i + part * RegisterBytes, firstBytes(3 * pixels, part), all);
-        }
+    const __mmask64 isUpper = _mm512_movepi8_mask(values);
+    __m512i bytes[Channels];
+    for (int channel = 0; channel < Channels; ++channel) {
+        const __m512i(&of)[4] = channels[channel].m_acQuarters;
+        bytes[channel] = _mm512_mask_blend_epi8(isUpper, _mm512_permutex2var_epi8(of[0], values, of[1]),
+                                                _mm512_permutex2var_epi8(of[2], values, of[3]));
     }
+    Colours64 colours;
+    for (std::size_t part = 0; part < Parts.size(); ++part) {
+        const Interleaving& places = Parts[part];
+        const __m512i redGreen = _mm512_permutex2var_epi8(bytes[0], loadBytes(places.m_anFrom), bytes[1]);
+        colours.m_acBytes[part] =
+            _mm512_mask_permutexvar_epi8(redGreen, places.m_nBlue, loadBytes(places.m_anBlue), bytes[2]);
+    }
+    return colours;
+}
+
+AVX512 void lookUp(const unsigned char* grey, const ColourTable& table, unsigned char* target, std::size_t count)
+{
+    const Channel channels[Channels] = {loadChannel(table.m_aaByteOf[0].data()),
+                                        loadChannel(table.m_aaByteOf[1].data()),
+                                        loadChannel(table.m_aaByteOf[2].data())};
+    for (; count >= RegisterBytes; count -= RegisterBytes, grey += RegisterBytes, target += Channels * RegisterBytes) {
+        const Colours64 found = coloursOf(_mm512_loadu_si512(grey), channels);
+        for (std::size_t part = 0; part < Channels; ++part)
+            _mm512_storeu_si512(target + part * RegisterBytes, found.m_acBytes[part]);
+    }
+    if (count == 0)
+        return;
+    const Colours64 found = coloursOf(_mm512_maskz_loadu_epi8(firstBytes(count, 0), grey), channels);
+    for (std::size_t part = 0; part < Channels; ++part)
+        _mm512_mask_storeu_epi8(target + part * RegisterBytes, firstBytes(3 * count, part), found.m_acBytes[part]);
+}
+
+// ---- Overlay --------------------------------------------------------------------------------------------------------
+
+/// Of a part of the target the bytes whose grey value is 0, or the others.
+AVX512_INLINE __mmask64 shownBytes(__m512i values, std::size_t part, bool whereZero)
+{
+    const __m512i bytes = thrice(values, part);
+    return whereZero ? _mm512_testn_epi8_mask(bytes, bytes) : _mm512_test_epi8_mask(bytes, bytes);
+}
+
+AVX512_INLINE Colours64 loadColours(const unsigned char* rgb)
+{
+    return {{_mm512_loadu_si512(rgb), _mm512_loadu_si512(rgb + RegisterBytes),
+             _mm512_loadu_si512(rgb + 2 * RegisterBytes)}};
+}
+
+AVX512_INLINE Colours64 greysOf(__m512i values)
+{
+    return {{thrice(values, 0), thrice(values, 1), thrice(values, 2)}};
+}
+
+/// Sixty-four pixels.
+AVX512_INLINE void overlayStep(__m512i values, const Colours64& colours, bool whereZero, unsigned char* target)
+{
+    for (std::size_t part = 0; part < Channels; ++part, target += RegisterBytes) {
+        const __m512i before = _mm512_loadu_si512(target);
+        _mm512_storeu_si512(target,
+                            _mm512_mask_mov_epi8(before, shownBytes(values, part, whereZero), colours.m_acBytes[part]));
+    }
+}
+
+/// Fewer; nothing behind them is read or written.
+AVX512_INLINE void overlayPart(__m512i values, const Colours64& colours, bool whereZero, unsigned char* target,
+                               std::size_t count)
+{
+    for (std::size_t part = 0; part < Channels; ++part, target += RegisterBytes) {
+        const __mmask64 shown = shownBytes(values, part, whereZero) & firstBytes(Channels * count, part);
+        _mm512_mask_storeu_epi8(target, shown, colours.m_acBytes[part]);
+    }
+}
+
+AVX512_INLINE __m512i loadPart(const unsigned char* grey, std::size_t count)
+{
+    return _mm512_maskz_loadu_epi8(firstBytes(count, 0), grey);
+}
+
+AVX512 void overlay(const unsigned char* grey, const unsigned char* rgb, bool whereZero, unsigned char* target,
+                    std::size_t count)
+{
+    for (; count >= RegisterBytes; count -= RegisterBytes, grey += RegisterBytes) {
+        overlayStep(_mm512_loadu_si512(grey), loadColours(rgb), whereZero, target);
+        rgb += Channels * RegisterBytes;
+        target += Channels * RegisterBytes;
+    }
+    if (count == 0)
+        return;
+    Colours64 colours;
+    for (std::size_t part = 0; part < Channels; ++part)
+        colours.m_acBytes[part] =
+            _mm512_maskz_loadu_epi8(firstBytes(Channels * count, part), rgb + part * RegisterBytes);
+    overlayPart(loadPart(grey, count), colours, whereZero, target, count);
+}
+
+AVX512 void overlayColours(const unsigned char* grey, const ColourTable& table, bool whereZero, unsigned char* target,
+                           std::size_t count)
+{
+    const Channel channels[Channels] = {loadChannel(table.m_aaByteOf[0].data()),
+                                        loadChannel(table.m_aaByteOf[1].data()),
+                                        loadChannel(table.m_aaByteOf[2].data())};
+    for (; count >= RegisterBytes; count -= RegisterBytes, grey += RegisterBytes, target += Channels * RegisterBytes) {
+        const __m512i values = _mm512_loadu_si512(grey);
+        overlayStep(values, coloursOf(values, channels), whereZero, target);
+    }
+    if (count == 0)
+        return;
+    const __m512i values = loadPart(grey, count);
+    overlayPart(values, coloursOf(values, channels), whereZero, target, count);
+}
+
+AVX512 void overlayGreys(const unsigned char* grey, bool whereZero, unsigned char* target, std::size_t count)
+{
+    for (; count >= RegisterBytes; count -= RegisterBytes, grey += RegisterBytes, target += Channels * RegisterBytes) {
+        const __m512i values = _mm512_loadu_si512(grey);
+        overlayStep(values, greysOf(values), whereZero, target);
+    }
+    if (count == 0)
+        return;
+    const __m512i values = loadPart(grey, count);
+    overlayPart(values, greysOf(values), whereZero, target, count);
 }
 
 }  // namespace
@@ -159,7 +245,8 @@ const SamplingKernels* SamplingKernels::avx512()
 {
     if (!processorHasAvx512() || !avx2())
         return nullptr;
-    static const SamplingKernels kernels{"avx512", colour, avx2()->m_pfnGrey, avx2()->m_pfnOverlay, lookUp};
+    static const SamplingKernels kernels{"avx512", colour,         avx2()->m_pfnGrey, overlay,
+                                         lookUp,   overlayColours, overlayGreys};
     return &kernels;
 }
 

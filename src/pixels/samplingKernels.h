@@ -2,9 +2,26 @@
 
 #include "pixels/columnMap.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
+
+/// A colour for each of the 256 grey values, in the two ways in which the forms look them up.
+struct ColourTable
+{
+    static constexpr std::size_t Values = 256;
+
+    void set(std::size_t value, const std::array<unsigned char, 3>& bytes)
+    {
+        m_anPixels[value] = bytes[0] | std::uint32_t{bytes[1]} << 8 | std::uint32_t{bytes[2]} << 16;
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            m_aaByteOf[i][value] = bytes[i];
+    }
+
+    std::array<std::uint32_t, Values> m_anPixels{};                 ///< The first byte lowest, nothing above the third.
+    std::array<std::array<unsigned char, Values>, 3> m_aaByteOf{};  ///< All first bytes, all second, all third ones.
+};
 
 /**
  * The forms of what shows a row of a picture: its pixels taken by a map of columns. One table for each kind of
@@ -22,16 +39,22 @@ struct SamplingKernels
     using Overlay = void (*)(const unsigned char* grey, const unsigned char* rgb, bool whereZero, unsigned char* target,
                              std::size_t count);
 
-    /// Three bytes for each grey value: those of its colour, of which there are 256, the first one lowest and zero
-    /// above the third.
-    using LookUp = void (*)(const unsigned char* grey, const std::uint32_t* colours, unsigned char* target,
+    /// Three bytes for each grey value: those of its colour.
+    using LookUp = void (*)(const unsigned char* grey, const ColourTable& colours, unsigned char* target,
                             std::size_t count);
+
+    /// What LookUp, or three times each value, and then Overlay would give, without the colours of a row in between.
+    using OverlayColours = void (*)(const unsigned char* grey, const ColourTable& colours, bool whereZero,
+                                    unsigned char* target, std::size_t count);
+    using OverlayGreys = void (*)(const unsigned char* grey, bool whereZero, unsigned char* target, std::size_t count);
 
     const char* m_pchName;
     Colour m_pfnColour;
     Grey m_pfnGrey;
     Overlay m_pfnOverlay;
     LookUp m_pfnLookUp;
+    OverlayColours m_pfnOverlayColours = nullptr;  ///< Null where the two steps are as fast; so is the next.
+    OverlayGreys m_pfnOverlayGreys = nullptr;
 
     /// Plain C++: what the others have to equal, and what they leave the last pixels of a row to.
     static const SamplingKernels& plain();

@@ -26,9 +26,10 @@ void overlay(const unsigned char* grey, const unsigned char* rgb, bool whereZero
 }
 
 /// Two pixels with each store of eight bytes; the last two of them are overwritten by the pixels behind.
-void lookUp(const unsigned char* grey, const std::uint32_t* colours, unsigned char* target, std::size_t count)
+void lookUp(const unsigned char* grey, const ColourTable& table, unsigned char* target, std::size_t count)
 {
     static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the lower pixel stands in front");
+    const std::uint32_t* const colours = table.m_anPixels.data();
     std::size_t i = 0;
     for (; i + 3 <= count; i += 2) {
         const std::uint64_t two = colours[grey[i]] | std::uint64_t{colours[grey[i + 1]]} << 24;

@@ -3,8 +3,10 @@
 #include "pixels/samplingKernels.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <numeric>
 
 using namespace PixelSupport;
@@ -134,37 +136,90 @@ void checkOverlay(const SamplingKernels& form, std::size_t count, bool whereZero
     QVERIFY(target.frontIsUntouched());
 }
 
+using Colour = std::array<unsigned char, 3>;
+using Colours = std::array<Colour, ColourTable::Values>;
+
 /// A different colour for each of the 256 values.
-std::vector<std::uint32_t> colourTable()
+Colours someColours()
 {
     std::mt19937 random(5);
-    std::vector<std::uint32_t> colours(256);
-    for (std::uint32_t& colour : colours)
-        colour = static_cast<std::uint32_t>(random()) & 0xFFFFFF;
+    Colours colours{};
+    for (Colour& colour : colours) {
+        for (unsigned char& byte : colour)
+            byte = static_cast<unsigned char>(random());
+    }
     return colours;
 }
 
-Bytes lookedUp(const Bytes& grey, const std::vector<std::uint32_t>& colours)
+Bytes allValues()
+{
+    Bytes values(ColourTable::Values);
+    std::iota(values.begin(), values.end(), static_cast<unsigned char>(0));
+    return values;
+}
+
+Colours allGreys()
+{
+    Colours colours{};
+    for (std::size_t value = 0; value < colours.size(); ++value)
+        colours[value].fill(static_cast<unsigned char>(value));
+    return colours;
+}
+
+ColourTable tableOf(const Colours& colours)
+{
+    ColourTable table;
+    for (std::size_t value = 0; value < colours.size(); ++value)
+        table.set(value, colours[value]);
+    return table;
+}
+
+Bytes lookedUp(const Bytes& grey, const Colours& colours)
 {
     Bytes bytes;
-    for (const unsigned char value : grey) {
-        for (const unsigned shift : {0U, 8U, 16U})
-            bytes.push_back(static_cast<unsigned char>(colours[value] >> shift));
+    for (const unsigned char value : grey)
+        bytes.insert(bytes.end(), colours[value].begin(), colours[value].end());
+    return bytes;
+}
+
+constexpr unsigned char Before = 0x5A;  ///< What a target holds at first.
+
+/// The colours of values that are 0, or of the others, over what was there before.
+Bytes overlaid(const Bytes& grey, const Bytes& rgb, bool whereZero)
+{
+    Bytes bytes(rgb.size(), Before);
+    for (std::size_t i = 0; i < rgb.size(); ++i) {
+        if ((grey[i / 3] == 0) == whereZero)
+            bytes[i] = rgb[i];
     }
     return bytes;
 }
 
-void checkLookUp(const SamplingKernels& form, const Bytes& values, Offsets offsets = {})
+/// Both ways that make colours and lay them over others at once, where the form has them.
+void checkColoursOver(const SamplingKernels& form, const Bytes& values, bool whereZero, Offsets offsets = {})
 {
-    const std::vector<std::uint32_t> colours = colourTable();
+    if (form.m_pfnOverlayColours == nullptr)
+        return;
     const Exact grey(values, offsets.m_nSource);
-    const Exact target(Bytes(3 * values.size(), 0x5A), offsets.m_nTarget);
-    form.m_pfnLookUp(grey.data(), colours.data(), target.data(), values.size());
-    QCOMPARE(target.bytes(), lookedUp(values, colours));
-    QVERIFY(target.frontIsUntouched());
+    const Exact coloured(Bytes(3 * values.size(), Before), offsets.m_nTarget);
+    form.m_pfnOverlayColours(grey.data(), tableOf(someColours()), whereZero, coloured.data(), values.size());
+    QCOMPARE(coloured.bytes(), overlaid(values, lookedUp(values, someColours()), whereZero));
+    QVERIFY(coloured.frontIsUntouched());
+
+    const Exact greys(Bytes(3 * values.size(), Before), offsets.m_nTarget);
+    form.m_pfnOverlayGreys(grey.data(), whereZero, greys.data(), values.size());
+    QCOMPARE(greys.bytes(), overlaid(values, lookedUp(values, allGreys()), whereZero));
+    QVERIFY(greys.frontIsUntouched());
 }
 
-constexpr unsigned char Before = 0x5A;  ///< What a target holds at first.
+void checkLookUp(const SamplingKernels& form, const Bytes& values, Offsets offsets = {})
+{
+    const Exact grey(values, offsets.m_nSource);
+    const Exact target(Bytes(3 * values.size(), Before), offsets.m_nTarget);
+    form.m_pfnLookUp(grey.data(), tableOf(someColours()), target.data(), values.size());
+    QCOMPARE(target.bytes(), lookedUp(values, someColours()));
+    QVERIFY(target.frontIsUntouched());
+}
 
 /// A source and a target at either end of pages whose neighbours nobody may touch.
 template <typename Operation>
@@ -203,14 +258,21 @@ void checkSamplingBetweenPages(const SamplingKernels& form, const ColumnMap& map
 void checkLookUpBetweenPages(const SamplingKernels& form, const Bytes& values)
 {
     static const GuardedPage page;
-    const std::vector<std::uint32_t> colours = colourTable();
-    const std::size_t bytes = colours.size() * sizeof(std::uint32_t);
-    for (unsigned char* place : {page.first(), page.last(bytes)}) {
-        std::memcpy(place, colours.data(), bytes);
-        const auto* const table = reinterpret_cast<const std::uint32_t*>(place);
-        checkBetweenPages(values, lookedUp(values, colours), [&](const unsigned char* from, unsigned char* to) {
+    const Bytes rgb = lookedUp(values, someColours());
+    for (unsigned char* place : {page.first(), page.last(sizeof(ColourTable))}) {
+        const ColourTable& table = *new (place) ColourTable(tableOf(someColours()));
+        checkBetweenPages(values, rgb, [&](const unsigned char* from, unsigned char* to) {
             form.m_pfnLookUp(from, table, to, values.size());
         });
+        if (form.m_pfnOverlayColours == nullptr)
+            continue;
+        checkBetweenPages(values, overlaid(values, rgb, false), [&](const unsigned char* from, unsigned char* to) {
+            form.m_pfnOverlayColours(from, table, false, to, values.size());
+        });
+        checkBetweenPages(values, overlaid(values, lookedUp(values, allGreys()), false),
+                          [&](const unsigned char* from, unsigned char* to) {
+                              form.m_pfnOverlayGreys(from, false, to, values.size());
+                          });
     }
 }
 
@@ -218,13 +280,12 @@ void checkValuesBetweenPages(const SamplingKernels& form, std::size_t count)
 {
     const Bytes values = mixedBytes(count, static_cast<unsigned>(count));
     const Bytes rgb = mixedBytes(3 * count, static_cast<unsigned>(count + 1));
-    Bytes overlaid(3 * count, Before);
-    SamplingKernels::plain().m_pfnOverlay(values.data(), rgb.data(), true, overlaid.data(), count);
+    const Bytes expected = overlaid(values, rgb, true);
     checkLookUpBetweenPages(form, values);
-    checkBetweenPages(values, overlaid, [&](const unsigned char* from, unsigned char* to) {
+    checkBetweenPages(values, expected, [&](const unsigned char* from, unsigned char* to) {
         form.m_pfnOverlay(from, rgb.data(), true, to, count);
     });
-    checkBetweenPages(rgb, overlaid, [&](const unsigned char* from, unsigned char* to) {
+    checkBetweenPages(rgb, expected, [&](const unsigned char* from, unsigned char* to) {
         form.m_pfnOverlay(values.data(), from, true, to, count);
     });
 }
@@ -244,6 +305,7 @@ private Q_SLOTS:
     void overlayTakesZerosOrOthers();
     void greyValuesAreShownInTheirColours_data() { addSamplers(); }
     void greyValuesAreShownInTheirColours();
+    void coloursAreLaidOverAtOnceAsInTwoSteps();
     void nothingAroundARowIsReadOrWritten_data() { addSamplers(); }
     void nothingAroundARowIsReadOrWritten();
     void buffersNeedNoAlignment_data() { addSamplers(); }
@@ -272,7 +334,7 @@ void TestRowSampling::scatteredColumns()
 
 void TestRowSampling::overlayTakesZerosOrOthers()
 {
-    for (std::size_t count = 0; count < 100; ++count) {
+    for (std::size_t count = 0; count < 200; ++count) {
         for (const bool whereZero : {true, false})
             checkOverlay(samplerOfRow(), count, whereZero);
     }
@@ -280,11 +342,20 @@ void TestRowSampling::overlayTakesZerosOrOthers()
 
 void TestRowSampling::greyValuesAreShownInTheirColours()
 {
-    Bytes all(256);
-    std::iota(all.begin(), all.end(), static_cast<unsigned char>(0));
-    checkLookUp(samplerOfRow(), all);
+    checkLookUp(samplerOfRow(), allValues());
     for (std::size_t count = 0; count < 200; ++count)
         checkLookUp(samplerOfRow(), mixedBytes(count, static_cast<unsigned>(count)));
+}
+
+void TestRowSampling::coloursAreLaidOverAtOnceAsInTwoSteps()
+{
+    for (const SamplingKernels* form : SamplingKernels::available()) {
+        for (const bool whereZero : {true, false}) {
+            checkColoursOver(*form, allValues(), whereZero);
+            for (std::size_t count = 0; count < 200; ++count)
+                checkColoursOver(*form, mixedBytes(count, static_cast<unsigned>(count)), whereZero);
+        }
+    }
 }
 
 void TestRowSampling::nothingAroundARowIsReadOrWritten()
@@ -307,8 +378,10 @@ void TestRowSampling::buffersNeedNoAlignment()
         for (std::size_t target = 0; target <= 16; ++target) {
             for (const int step : {8, 16, 17})
                 checkSampling(form, stepped(0, step, RowWidth, 60), RowWidth, {source, target});
-            for (const bool whereZero : {true, false})
+            for (const bool whereZero : {true, false}) {
                 checkOverlay(form, 37, whereZero, {source, target});
+                checkColoursOver(form, mixedBytes(75, 3), whereZero, {source, target});
+            }
             checkLookUp(form, mixedBytes(75, 3), {source, target});
             if (QTest::currentTestFailed())
                 return;
