@@ -55,7 +55,10 @@ void clearAround(QImage& canvas, const PictureSampling& sampling)
 class RowSampler
 {
 public:
-    RowSampler(const QImage& picture, const ColumnMap& columns) : m_cColumns(columns), m_eFormat(picture.format()) {}
+    RowSampler(const QImage& picture, const ColumnMap& columns, const SamplingKernels& kernels)
+        : m_cKernels(kernels), m_cColumns(columns), m_eFormat(picture.format())
+    {
+    }
 
     void sample(const unsigned char* source, unsigned char* target)
     {
@@ -64,7 +67,7 @@ public:
         else if (m_cColumns.isContiguous())
             copyNeighbours(source + 3 * static_cast<std::size_t>(*m_cColumns.columns()), target);
         else
-            SamplingKernels::best().m_pfnColour(source, m_cColumns, isExchanged(), target);
+            m_cKernels.m_pfnColour(source, m_cColumns, isExchanged(), target);
     }
 
     /// The values alone; valid until the next call and as long as the source.
@@ -73,7 +76,7 @@ public:
         if (m_cColumns.isContiguous())
             return source + *m_cColumns.columns();
         m_vecGrey.resize(m_cColumns.count());
-        SamplingKernels::best().m_pfnGrey(source, m_cColumns, m_vecGrey.data());
+        m_cKernels.m_pfnGrey(source, m_cColumns, m_vecGrey.data());
         return m_vecGrey.data();
     }
 
@@ -89,6 +92,7 @@ private:
             std::memcpy(target, source, 3 * m_cColumns.count());
     }
 
+    const SamplingKernels& m_cKernels;
     const ColumnMap& m_cColumns;
     QImage::Format m_eFormat;
     std::vector<unsigned char> m_vecGrey;
@@ -98,8 +102,8 @@ private:
 class RowOverlay
 {
 public:
-    RowOverlay(const GreyOverlay& overlay, std::size_t count)
-        : m_cOverlay(overlay), m_nCount(count), m_vecRgb(3 * count)
+    RowOverlay(const GreyOverlay& overlay, std::size_t count, const SamplingKernels& kernels)
+        : m_cKernels(kernels), m_cOverlay(overlay), m_nCount(count), m_vecRgb(3 * count)
     {
         const bool isOne = overlay.m_eColours == GreyOverlay::Colours::OneColour;
         for (std::size_t value = 0; value < ColourTable::Values; ++value)
@@ -156,7 +160,7 @@ private:
 
     void fill(const unsigned char* grey) { m_cKernels.m_pfnLookUp(grey, m_cTable, m_vecRgb.data(), m_nCount); }
 
-    const SamplingKernels& m_cKernels = SamplingKernels::best();
+    const SamplingKernels& m_cKernels;
     const GreyOverlay& m_cOverlay;
     std::size_t m_nCount;
     ColourTable m_cTable;
@@ -172,7 +176,7 @@ bool DirectDrawing::replace(QImage& canvas, const QImage& picture, const QRectF&
         return false;
     clearAround(canvas, *sampling);
     const ShownRows shown(canvas, *sampling);
-    RowSampler sampler(picture, sampling->m_cColumns);
+    RowSampler sampler(picture, sampling->m_cColumns, SamplingKernels::best());
     const std::vector<std::int32_t>& rows = sampling->m_vecRows;
     for (std::size_t y = 0; y < rows.size(); ++y) {
         if (y > 0 && rows[y] == rows[y - 1])
@@ -185,14 +189,20 @@ bool DirectDrawing::replace(QImage& canvas, const QImage& picture, const QRectF&
 
 bool DirectDrawing::overlay(QImage& canvas, const QImage& picture, const QRectF& source, const GreyOverlay& colours)
 {
+    return overlay(canvas, picture, source, colours, SamplingKernels::best());
+}
+
+bool DirectDrawing::overlay(QImage& canvas, const QImage& picture, const QRectF& source, const GreyOverlay& colours,
+                            const SamplingKernels& kernels)
+{
     const PictureSampling* sampling = samplingOf(canvas, picture, source, PainterPicture::Argb);
     if (!sampling)
         return false;
     if (!colours.m_bShowsZero && !colours.m_bShowsOthers)
         return true;
     const ShownRows shown(canvas, *sampling);
-    RowSampler sampler(picture, sampling->m_cColumns);
-    RowOverlay overlay(colours, sampling->m_cColumns.count());
+    RowSampler sampler(picture, sampling->m_cColumns, kernels);
+    RowOverlay overlay(colours, sampling->m_cColumns.count(), kernels);
     const unsigned char* grey = nullptr;
     const std::vector<std::int32_t>& rows = sampling->m_vecRows;
     for (std::size_t y = 0; y < rows.size(); ++y) {
