@@ -139,7 +139,8 @@ def drawing_rows(time):
     turns, spread = time.turns("drawing")
 
     def row(question, ours, peer, peer_goal=None):
-        return Row(question, turns[ours], peer=turns.get(peer), peer_goal=peer_goal, spread=spread[ours])
+        other = turns.get(peer) if peer == "openCv" else turns[peer]
+        return Row(question, turns[ours], peer=other, peer_goal=peer_goal, spread=spread[ours])
 
     copied = "the same from the step's text on, copy included"
     yield row("full HD colour onto 960x540 / exchange and painter", "option0", "painter", 0.2)

@@ -2,11 +2,11 @@
 """Times the start of the workbench: benchStart.py PROGRAM PLUGIN_FOLDER SCRATCH_FOLDER
 
 PROGRAM ends once its window was painted; it is started again and again, in random order, as a bare window, as the
-workbench without plug-ins, with all plug-ins of PLUGIN_FOLDER, and with each of them alone. Prints "name value" lines:
-medians of milliseconds and of the most resident bytes, and how far the milliseconds lie apart.
+workbench without plug-ins, and with all plug-ins of PLUGIN_FOLDER. Prints "name value" lines: medians of milliseconds and
+of the most resident bytes, and how far the milliseconds lie apart.
 
-What a plug-in adds to the others, and how much longer than the bare window the workbench takes, are medians over pairs
-of starts, one right after the other: what else the machine does meanwhile touches both.
+What a plug-in adds to the others or takes alone, and how much longer than the bare window the workbench takes, are
+medians over pairs of starts, one right after the other: what else the machine does meanwhile touches both.
 """
 import os
 import random

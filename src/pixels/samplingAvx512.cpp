@@ -5,7 +5,6 @@
 
 #if defined(HAS_AVX512)
 
-#include <algorithm>
 #include <array>
 
 namespace {

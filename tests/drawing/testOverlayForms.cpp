@@ -17,7 +17,7 @@ constexpr int Height = 9;
 
 QImage noise(QSize size, QImage::Format format)
 {
-    std::mt19937 random(static_cast<unsigned>(size.width()));
+    std::mt19937 random(static_cast<unsigned>(size.width() + format));  // canvas and picture differ
     QImage image(size, format);
     for (int y = 0; y < image.height(); ++y) {
         for (int i = 0; i < image.bytesPerLine(); ++i)
