@@ -216,10 +216,10 @@ void FolderPlayer::keepSpare(FramePtr frame)
         m_vecSpare.push_back(std::move(frame));
 }
 
-void FolderPlayer::report(const QString& error)
+void FolderPlayer::report(QString error)
 {
     const std::lock_guard<std::mutex> lock(m_cMutex);
-    m_strError = error;
+    m_strError.swap(error);  // What stood there goes when this returns, seen by tools that do not look into Qt.
 }
 
 void FolderPlayer::pause()

@@ -56,7 +56,7 @@ private:
     FramePtr takeSpare();
     void keepSpare(FramePtr frame);
     FramePtr takeDue();
-    void report(const QString& error);
+    void report(QString error);
     void pause();
 
     std::mutex m_cMtxControl;  ///< Serialises start, stop and setConfig; taken before m_cMutex.
