@@ -93,16 +93,21 @@ constexpr Interleaving interleaving(int part)
     return result;
 }
 
-/// A byte of each colour, so that a permutation by grey values looks them up.
-struct Channel
+/// A table of colours in registers, a byte of each colour in four of them: so permutations by grey values look them up.
+struct LoadedTable
 {
-    __m512i m_acQuarters[4];
+    __m512i m_aacQuarters[Channels][4];
 };
 
-AVX512_INLINE Channel loadChannel(const unsigned char* bytes)
+AVX512_INLINE LoadedTable loadTable(const ColourTable& table)
 {
-    return {{_mm512_loadu_si512(bytes), _mm512_loadu_si512(bytes + RegisterBytes),
-             _mm512_loadu_si512(bytes + 2 * RegisterBytes), _mm512_loadu_si512(bytes + 3 * RegisterBytes)}};
+    LoadedTable loaded;
+    for (std::size_t channel = 0; channel < Channels; ++channel) {
+        for (std::size_t quarter = 0; quarter < 4; ++quarter)
+            loaded.m_aacQuarters[channel][quarter] =
+                _mm512_loadu_si512(table.m_aaByteOf[channel].data() + quarter * RegisterBytes);
+    }
+    return loaded;
 }
 
 /// The colours of sixty-four grey values.
@@ -111,13 +116,13 @@ struct Colours64
     __m512i m_acBytes[Channels];  ///< As they stand in the target.
 };
 
-AVX512_INLINE Colours64 coloursOf(__m512i values, const Channel (&channels)[Channels])
+AVX512_INLINE Colours64 coloursOf(__m512i values, const LoadedTable& table)
 {
     static constexpr std::array<Interleaving, Channels> Parts{interleaving(0), interleaving(1), interleaving(2)};
     const __mmask64 isUpper = _mm512_movepi8_mask(values);
     __m512i bytes[Channels];
     for (int channel = 0; channel < Channels; ++channel) {
-        const __m512i(&of)[4] = channels[channel].m_acQuarters;
+        const __m512i(&of)[4] = table.m_aacQuarters[channel];
         bytes[channel] = _mm512_mask_blend_epi8(isUpper, _mm512_permutex2var_epi8(of[0], values, of[1]),
                                                 _mm512_permutex2var_epi8(of[2], values, of[3]));
     }
@@ -133,17 +138,15 @@ AVX512_INLINE Colours64 coloursOf(__m512i values, const Channel (&channels)[Chan
 
 AVX512 void lookUp(const unsigned char* grey, const ColourTable& table, unsigned char* target, std::size_t count)
 {
-    const Channel channels[Channels] = {loadChannel(table.m_aaByteOf[0].data()),
-                                        loadChannel(table.m_aaByteOf[1].data()),
-                                        loadChannel(table.m_aaByteOf[2].data())};
+    const LoadedTable loaded = loadTable(table);
     for (; count >= RegisterBytes; count -= RegisterBytes, grey += RegisterBytes, target += Channels * RegisterBytes) {
-        const Colours64 found = coloursOf(_mm512_loadu_si512(grey), channels);
+        const Colours64 found = coloursOf(_mm512_loadu_si512(grey), loaded);
         for (std::size_t part = 0; part < Channels; ++part)
             _mm512_storeu_si512(target + part * RegisterBytes, found.m_acBytes[part]);
     }
     if (count == 0)
         return;
-    const Colours64 found = coloursOf(_mm512_maskz_loadu_epi8(firstBytes(count, 0), grey), channels);
+    const Colours64 found = coloursOf(_mm512_maskz_loadu_epi8(firstBytes(count, 0), grey), loaded);
     for (std::size_t part = 0; part < Channels; ++part)
         _mm512_mask_storeu_epi8(target + part * RegisterBytes, firstBytes(3 * count, part), found.m_acBytes[part]);
 }
@@ -213,17 +216,15 @@ AVX512 void overlay(const unsigned char* grey, const unsigned char* rgb, bool wh
 AVX512 void overlayColours(const unsigned char* grey, const ColourTable& table, bool whereZero, unsigned char* target,
                            std::size_t count)
 {
-    const Channel channels[Channels] = {loadChannel(table.m_aaByteOf[0].data()),
-                                        loadChannel(table.m_aaByteOf[1].data()),
-                                        loadChannel(table.m_aaByteOf[2].data())};
+    const LoadedTable loaded = loadTable(table);
     for (; count >= RegisterBytes; count -= RegisterBytes, grey += RegisterBytes, target += Channels * RegisterBytes) {
         const __m512i values = _mm512_loadu_si512(grey);
-        overlayStep(values, coloursOf(values, channels), whereZero, target);
+        overlayStep(values, coloursOf(values, loaded), whereZero, target);
     }
     if (count == 0)
         return;
     const __m512i values = loadPart(grey, count);
-    overlayPart(values, coloursOf(values, channels), whereZero, target, count);
+    overlayPart(values, coloursOf(values, loaded), whereZero, target, count);
 }
 
 AVX512 void overlayGreys(const unsigned char* grey, bool whereZero, unsigned char* target, std::size_t count)
